@@ -1,0 +1,30 @@
+# Build-tree-only flags for the project's own targets. They live on an interface target that
+# our targets link privately, so users of the installed libraries never inherit -Werror or the
+# sanitizers.
+add_library(cntr_flags INTERFACE)
+target_compile_options(cntr_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Werror
+    # Results must be bit-for-bit the same on every machine and compiler: no fused multiply-add
+    # contraction, and never fast-math.
+    -ffp-contract=off -fno-fast-math)
+
+if(CNTR_SANITIZE)
+    set(_cntr_san -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_compile_options(cntr_flags INTERFACE ${_cntr_san})
+    target_link_options(cntr_flags INTERFACE ${_cntr_san})
+endif()
+
+# cntr_add_library(name SOURCES ... HEADERS ...): a shared library of this project with its public
+# headers in a file set rooted at the source tree, so that they are included as <dir/header.h>.
+function(cntr_add_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS" ${ARGN})
+    add_library(${name} SHARED ${ARG_SOURCES})
+    add_library(cntr::${name} ALIAS ${name})
+    target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
+    target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:cntr_flags>)
+    if(NOT CNTR_SANITIZE)  # the sanitizer runtimes live in the executables
+        target_link_options(${name} PRIVATE LINKER:--no-undefined)
+    endif()
+    set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION}
+                                             SOVERSION ${PROJECT_VERSION_MAJOR})
+endfunction()

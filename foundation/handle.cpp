@@ -1,0 +1,3 @@
+#include <foundation/handle.h>
+
+xcRepBase::~xcRepBase() = default;

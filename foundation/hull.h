@@ -1,0 +1,16 @@
+#ifndef FOUNDATION_HULL_H
+#define FOUNDATION_HULL_H
+
+#include <vector>
+
+#include <foundation/export.h>
+#include <foundation/vector.h>
+
+/// The convex hull of `points` into `hull`: its vertices counter-clockwise (y up), starting at
+/// the vertex with the smallest x (then the smallest y). Collinear and repeated points are
+/// dropped; 0, 1 or 2 distinct points give those points (2 in that same start order).
+/// O(n log n). Throws xcMathError::NotFinite when a coordinate is NaN or infinite.
+FOUNDATION_API void xfConvexHull(const std::vector<xcVector<2>>& points,
+                                 std::vector<xcVector<2>>& hull);
+
+#endif

@@ -1,0 +1,5 @@
+#include <cmath>
+
+#include <foundation/random.h>
+
+double xcRandomUniform::below(double hi, double lo) { return std::nextafter(hi, lo); }
