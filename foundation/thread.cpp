@@ -35,6 +35,10 @@ ExitRegistry& exitRegistry() {
 struct ThreadSentinel {
     std::uint64_t id;
     ThreadSentinel() : id(gNextThread.fetch_add(1)) {
+        // Thread-local objects are destroyed in the reverse order of their construction. Creating
+        // the slot values first makes them outlive the sentinel, so exit callbacks may still use
+        // xc_ThreadLocal slots.
+        (void)threadValues();
         ExitRegistry& r = exitRegistry();
         std::lock_guard<std::mutex> lock(r.mutex);
         r.live.insert(id);
