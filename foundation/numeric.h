@@ -5,7 +5,8 @@
 #include <cmath>
 
 /// True when |a - b| <= eps. The tolerance is absolute; there is deliberately no default.
-/// A NaN on either side compares unequal.
+/// A NaN on either side compares unequal, and so do two equal infinities (their difference is
+/// NaN).
 inline bool xfRealEq(double a, double b, double eps) { return std::fabs(a - b) <= eps; }
 
 /// floor(v) as a long. Values beyond the range of long saturate to LONG_MIN or LONG_MAX and a
