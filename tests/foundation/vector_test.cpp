@@ -5,6 +5,8 @@
 #include <foundation/angle.h>
 #include <foundation/vector.h>
 
+#include "printers.h"
+
 namespace {
 
 using V = xcVector<2>;
