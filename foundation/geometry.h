@@ -34,10 +34,24 @@ public:
     /// The x axis.
     xcLine() = default;
     /// The line through `point` along `direction`, which is normalised; a zero direction gives
-    /// (1, 0).
+    /// (1, 0). Directions whose squared length overflows or underflows are normalised exactly
+    /// like any other; a non-finite direction gives a NaN direction.
     xcLine(const xcVector<2>& point, const xcVector<2>& direction) : p_(point) {
         const double len = direction.length();
-        if (len != 0.0) dir_ = direction / len;
+        if (len != 0.0 && std::isfinite(len)) {
+            dir_ = direction / len;
+            return;
+        }
+        // x*x + y*y left the double range (or a component is not finite): bring the larger
+        // component to 1 first so that the length can be formed.
+        const double largest = std::max(std::fabs(direction.x()), std::fabs(direction.y()));
+        if (largest == 0.0) return;
+        if (!std::isfinite(largest)) {
+            dir_ = xcVector<2>(std::nan(""), std::nan(""));
+            return;
+        }
+        const xcVector<2> scaled = direction / largest;
+        dir_ = scaled / scaled.length();
     }
 
     const xcVector<2>& point() const { return p_; }
