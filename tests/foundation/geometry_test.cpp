@@ -9,7 +9,7 @@
 #include <foundation/exception.h>
 #include <foundation/geometry.h>
 
-#include "printers.h"
+#include "test_support.h"
 
 namespace {
 
@@ -122,13 +122,8 @@ TEST(Line, IntersectOfParallelLinesThrowsSingular) {
     EXPECT_THROW(a.intersect(xcLine(V(5, 0), V(-1, -2))), xcMathError::Singular);
     EXPECT_THROW(a.intersect(a), xcMathError::Singular);  // coincident lines too
     EXPECT_THROW(a.intersect(xcLine(V(1, 0), V(1, 2 + 1e-13))), xcMathError::Singular);
-    try {
-        (void)a.intersect(a);
-        FAIL() << "no exception";
-    } catch (const xcException& e) {
-        EXPECT_EQ(e.errorNumber(), xnErrorNumber::MathSingular);
-        EXPECT_STREQ(e.what(), "parallel lines do not intersect");
-    }
+    EXPECT_TRUE(throwsError([&] { (void)a.intersect(a); }, xnErrorNumber::MathSingular,
+                            "parallel lines do not intersect"));
 }
 
 TEST(Line, ProjIsTheFootOfThePerpendicular) {

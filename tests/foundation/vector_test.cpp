@@ -5,7 +5,7 @@
 #include <foundation/angle.h>
 #include <foundation/vector.h>
 
-#include "printers.h"
+#include "test_support.h"
 
 namespace {
 
