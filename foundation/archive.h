@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <foundation/exception.h>
@@ -14,24 +15,50 @@
 #include <foundation/persistent.h>
 #include <foundation/vector.h>
 
+namespace xn_archive_detail {
+struct State;
+}
+
 /// A binary archive: one direction (storing or loading) for its whole life.
 ///
 /// Wire format, identical on every platform: the magic bytes "XCAR", the format version as a
 /// 32-bit little-endian number (currently 1), then the records that the objects write. Numbers
 /// are little-endian: unsigned char and bool take 1 byte (bool 0 or 1), unsigned long and long
 /// 4 bytes (storing a value that does not fit throws ValueOutOfRange, it is never truncated),
-/// double 8 bytes (IEEE 754), xcVector<2> two doubles, xcEdgelet its position, its magnitude
-/// (2 bytes) and its angle step (1 byte), std::wstring a 32-bit byte count followed by UTF-8.
+/// double 8 bytes (IEEE 754 bits, NaN payloads included), xcVector<2> x then y, xcEdgelet its
+/// position, its magnitude (2 bytes) and its angle step (1 byte), std::wstring a 32-bit byte
+/// count followed by that many bytes of UTF-8, std::string a 32-bit count and its bytes as they
+/// are.
 ///
-/// Loading is safe on untrusted bytes: whatever they hold, it either succeeds or throws one of
-/// the archive errors below (all xcExceptions); counts are checked against the bytes left before
-/// anything is allocated, and objects may nest at most kMaxNesting deep.
+/// The pointer record (xcPersistent::serializePointer, and through it every counted handle):
+/// one tag byte, 0 for a null pointer, 1 for an object written here (a 32-bit name length, the
+/// class's registered name, then the object's own record), 2 for a back-reference (the 32-bit
+/// number of an earlier counted object: counted objects are numbered from 0 in the order in which
+/// their records begin).
 ///
-/// Ownership of loaded objects: the archive keeps a counted reference to every counted object
-/// (xcRepBase) that it creates, and drops it when the archive is destroyed; objects that no
-/// handle adopted (a referent of the wrong class, or a load that failed halfway) are deleted
-/// then. An object without a count (an exception) belongs to the caller once serializePointer
-/// has returned it; if loading fails before that, the archive deletes it.
+/// Loading is safe on untrusted bytes: whatever they hold, it either succeeds or throws an
+/// xcException (one of the archive errors below, or an error that a class's own record
+/// raises). Counts are checked against the bytes left before anything is allocated; no chain
+/// of objects referring to one another (through nested records or back-references) may be
+/// longer than kMaxObjectDepth, which bounds the stack both while loading and when the loaded
+/// graph is destroyed; a back-reference may only name an object whose record is complete, so a
+/// loaded graph never has a cycle. Storing refuses what loading would refuse: a cycle of counted
+/// objects throws BadReference, a deeper graph throws BadData.
+///
+/// Ownership:
+/// - Storing never takes ownership. The archive keeps every stored object that is held by a
+///   counted handle alive until the archive is destroyed, so that the address which identifies
+///   it cannot be reused by another object during the pass; any other object passed to the
+///   archive must outlive the archive.
+/// - Loading: the archive holds a counted reference to every counted object (xcRepBase) that it
+///   creates and drops it when the archive is destroyed. Objects that no handle adopted (a
+///   referent of the wrong class, or the objects of a load that failed halfway) are deleted then.
+/// - An object without a count (an exception) is handed over to the caller of serializePointer,
+///   who owns it from the moment the call returns (put it into a std::unique_ptr at once). The
+///   handle operators delete such an object when it is not of the handle's class. If loading
+///   fails before serializePointer returns, the archive deletes it. Objects without a count are
+///   not shared: each reference is stored in full and loads as an object of its own.
+/// - After an operation throws, the archive's position is unspecified: destroy it.
 class FOUNDATION_API xcArchive {
 public:
     /// A record carried a version (or format byte) that the reader does not know. source()
@@ -44,6 +71,8 @@ public:
         ~UnknownVersion() override;
         const std::string& source() const { return source_; }
         long line() const { return line_; }
+        /// The record: a version byte (0), the xcExceptionWithString record, source and line.
+        void dispatchSerialize(xcArchive& ar) override;
 
     private:
         std::string source_;
@@ -68,7 +97,8 @@ public:
         explicit UnknownClass(const std::wstring& message = L"unknown class in archive");
         ~UnknownClass() override;
     };
-    /// A back-reference to an object that was not loaded (or is still being loaded).
+    /// Loading: a back-reference to an object that was not loaded, or whose record is not
+    /// complete. Storing: a cycle of counted objects (loading could not resolve it).
     class FOUNDATION_API BadReference
         : public xcExceptionT<BadReference, xnErrorNumber::ArchiveBadReference> {
     public:
@@ -88,7 +118,8 @@ public:
         explicit FileError(const std::wstring& message = L"archive file error");
         ~FileError() override;
     };
-    /// A value to store does not fit its wire width.
+    /// A value to store does not fit its wire form (a number too wide, a string with a value
+    /// that is not a Unicode scalar value).
     class FOUNDATION_API ValueOutOfRange
         : public xcExceptionT<ValueOutOfRange, xnErrorNumber::ArchiveValueOutOfRange> {
     public:
@@ -96,13 +127,14 @@ public:
         ~ValueOutOfRange() override;
     };
     /// Bytes that no valid record holds (a bool other than 0 or 1, invalid UTF-8, a bad pointer
-    /// tag, objects nested too deeply).
+    /// tag or class name length, a chain of objects deeper than kMaxObjectDepth).
     class FOUNDATION_API BadData : public xcExceptionT<BadData, xnErrorNumber::ArchiveBadData> {
     public:
         explicit BadData(const std::wstring& message = L"invalid archive data");
         ~BadData() override;
     };
-    /// Storing an object whose class has no xc_Instantiator.
+    /// Storing an object whose class has no xc_Instantiator (or whose stable name another class
+    /// took).
     class FOUNDATION_API UnregisteredClass
         : public xcExceptionT<UnregisteredClass, xnErrorNumber::ArchiveUnregisteredClass> {
     public:
@@ -113,8 +145,11 @@ public:
     /// The magic bytes and the wire format version written at the start of every archive.
     static constexpr char kMagic[4] = {'X', 'C', 'A', 'R'};
     static constexpr std::uint32_t kFormatVersion = 1;
-    /// How deeply objects may nest inside objects (pointer records inside records).
-    static constexpr int kMaxNesting = 256;
+    /// The longest chain of objects, each referring to the next, that an archive may hold
+    /// (bounds the recursion of loading and of destroying what was loaded).
+    static constexpr int kMaxObjectDepth = 256;
+    /// The longest class name a pointer record may carry.
+    static constexpr std::uint32_t kMaxClassNameLength = 1024;
 
     virtual ~xcArchive();
     xcArchive(const xcArchive&) = delete;
@@ -124,7 +159,11 @@ public:
     bool isStoring() const { return !loading_; }
 
     /// Each writes the value when storing and reads into it when loading; they return the
-    /// archive for chaining.
+    /// archive for chaining. Loading throws Truncated when the data ends early, BadData for a
+    /// bool other than 0 or 1 or a string that is not valid UTF-8, CountTooLarge for a string
+    /// longer than the bytes left. Storing throws ValueOutOfRange for an unsigned long above
+    /// 2^32 - 1, a long outside [-2^31, 2^31 - 1], a string longer than 2^32 - 1 bytes, or a
+    /// wide string holding a surrogate or a value above U+10FFFF.
     xcArchive& operator||(unsigned char& v);
     xcArchive& operator||(bool& v);
     xcArchive& operator||(unsigned long& v);
@@ -133,8 +172,9 @@ public:
     xcArchive& operator||(xcVector<2>& v);
     xcArchive& operator||(xcEdgelet& v);
     xcArchive& operator||(std::wstring& v);
+    xcArchive& operator||(std::string& v);
 
-    /// Writes or reads `n` raw bytes.
+    /// Writes or reads `n` raw bytes (Truncated when fewer are left).
     void transferBytes(void* data, std::size_t n);
     /// Loading: the number of bytes not yet read. Storing: the largest possible value.
     virtual std::uint64_t bytesLeft() const = 0;
@@ -154,9 +194,8 @@ protected:
 
 private:
     friend class xcPersistent;
-    struct State;
     bool loading_;
-    std::unique_ptr<State> state_;
+    std::unique_ptr<xn_archive_detail::State> state_;
 };
 
 /// An archive in memory: stores into a byte vector, or loads from one.
@@ -166,7 +205,8 @@ public:
     xcMemoryArchive();
     /// A loading archive over a copy of `bytes`. Throws BadFormat or Truncated for a bad header.
     explicit xcMemoryArchive(const std::vector<unsigned char>& bytes);
-    /// A loading archive over `size` bytes at `data`, which must outlive the archive.
+    /// A loading archive over `size` bytes at `data` (not copied: they must outlive the
+    /// archive). Throws BadFormat or Truncated for a bad header.
     xcMemoryArchive(const unsigned char* data, std::size_t size);
     ~xcMemoryArchive() override;
 
@@ -195,7 +235,8 @@ public:
     xcFileArchive(const std::string& path, Direction direction);
     /// Closes the file; errors at this point are not reported (call close() to see them).
     ~xcFileArchive() override;
-    /// Flushes and closes the file; throws FileError naming the path on a write failure.
+    /// Flushes and closes the file; throws FileError naming the path when a write failed. Any
+    /// later transfer throws FileError.
     void close();
     const std::string& path() const { return path_; }
     std::uint64_t bytesLeft() const override;
@@ -211,7 +252,8 @@ private:
 };
 
 /// The smallest number of bytes one element of T takes in an archive; used to refuse counts
-/// that the remaining bytes cannot hold.
+/// that the remaining bytes cannot hold. Types without a specialisation take at least 1 byte
+/// (a handle's null tag, for example).
 template <class T>
 struct xcArchiveWireSize {
     static constexpr std::size_t value = 1;
@@ -222,28 +264,51 @@ template <> struct xcArchiveWireSize<double> { static constexpr std::size_t valu
 template <> struct xcArchiveWireSize<xcVector<2>> { static constexpr std::size_t value = 16; };
 template <> struct xcArchiveWireSize<xcEdgelet> { static constexpr std::size_t value = 19; };
 template <> struct xcArchiveWireSize<std::wstring> { static constexpr std::size_t value = 4; };
+template <> struct xcArchiveWireSize<std::string> { static constexpr std::size_t value = 4; };
 
-/// The bulk transfer of the vector record for points (a plain copy on little-endian hosts).
-FOUNDATION_API void xfSerializeVectorBody(xcArchive& ar, std::vector<xcVector<2>>& v);
+namespace xn_archive_detail {
+/// The elements of a vector record of points, transferred as one block on little-endian hosts.
+FOUNDATION_API void transferPoints(xcArchive& ar, std::vector<xcVector<2>>& v);
+/// The format byte and the count of a vector record. Loading: checks the format (UnknownVersion
+/// with an empty source and line 0 unless 0) and that `count` elements of `minElementBytes`
+/// fit in the bytes left (CountTooLarge), and returns the count. Storing: throws
+/// ValueOutOfRange for more than 2^32 - 1 elements.
+FOUNDATION_API std::size_t transferVectorHeader(xcArchive& ar, std::size_t count, std::size_t minElementBytes);
+/// Reads a pointer record for a handle of class T: returns the object when `isT` accepts it,
+/// otherwise null (deleting an object without a count, which nobody else owns).
+FOUNDATION_API xcPersistent* loadReferent(xcArchive& ar, bool (*isT)(xcPersistent*));
+
+template <class T>
+bool isA(xcPersistent* p) {
+    return dynamic_cast<T*>(p) != nullptr;
+}
+
+template <class T, class Handle>
+void transferHandle(xcArchive& ar, Handle& h) {
+    xcPersistent* p = nullptr;
+    if (ar.isStoring()) {
+        xcPersistent::serializePointer(ar, h.rep(), p);
+        return;
+    }
+    h = Handle();
+    p = loadReferent(ar, &isA<T>);
+    h = Handle(dynamic_cast<T*>(p));
+}
+}  // namespace xn_archive_detail
 
 /// The vector record: a format byte (0), the element count as unsigned long, then each element
-/// through its archive operator. Loading resizes `v` to the count first; a format byte other than
-/// 0 throws xcArchive::UnknownVersion with an empty source and line 0.
+/// through its archive operator. Loading replaces the contents of `v`: it checks the count
+/// against the bytes left, resizes `v` to the count and reads the elements in order. A format
+/// byte other than 0 throws xcArchive::UnknownVersion with an empty source and line 0.
 template <class T>
 void xfSerializeVector(xcArchive& ar, std::vector<T>& v) {
-    unsigned char format = 0;
-    ar || format;
-    if (format != 0) throw xcArchive::UnknownVersion(std::string(), 0);
-    unsigned long count = static_cast<unsigned long>(v.size());
-    if (ar.isStoring() && v.size() > 0xFFFFFFFFull) throw xcArchive::ValueOutOfRange();
-    ar || count;
+    const std::size_t count = xn_archive_detail::transferVectorHeader(ar, v.size(), xcArchiveWireSize<T>::value);
     if (ar.isLoading()) {
-        ar.checkCount(count, xcArchiveWireSize<T>::value);
         v.clear();
         v.resize(count);
     }
     if constexpr (std::is_same<T, xcVector<2>>::value) {
-        xfSerializeVectorBody(ar, v);
+        xn_archive_detail::transferPoints(ar, v);
     } else {
         for (auto& e : v) ar || e;
     }
@@ -256,31 +321,18 @@ xcArchive& operator||(xcArchive& ar, std::vector<T>& v) {
 }
 
 /// The handle record. Storing passes the referent (null allowed) to
-/// xcPersistent::serializePointer; loading clears the handle, loads the pointer record and keeps
-/// the object only when it is a T (a referent of another class gives a null handle).
+/// xcPersistent::serializePointer. Loading clears the handle, reads the pointer record and keeps
+/// the object only when it is a T: a referent of another class gives a null handle (and is
+/// deleted with the archive, or at once when it has no count).
 template <class T>
 xcArchive& operator||(xcArchive& ar, xcPtrHandle<T>& h) {
-    xcPersistent* p = nullptr;
-    if (ar.isStoring()) {
-        xcPersistent::serializePointer(ar, h.rep(), p);
-    } else {
-        h = xcPtrHandle<T>();
-        xcPersistent::serializePointer(ar, nullptr, p);
-        h = xcPtrHandle<T>(dynamic_cast<T*>(p));
-    }
+    xn_archive_detail::transferHandle<T>(ar, h);
     return ar;
 }
 
 template <class T>
 xcArchive& operator||(xcArchive& ar, xcPtrHandle_const<T>& h) {
-    xcPersistent* p = nullptr;
-    if (ar.isStoring()) {
-        xcPersistent::serializePointer(ar, h.rep(), p);
-    } else {
-        h = xcPtrHandle_const<T>();
-        xcPersistent::serializePointer(ar, nullptr, p);
-        h = xcPtrHandle_const<T>(dynamic_cast<const T*>(p));
-    }
+    xn_archive_detail::transferHandle<const T>(ar, h);
     return ar;
 }
 
