@@ -54,10 +54,13 @@ struct State;
 ///   creates and drops it when the archive is destroyed. Objects that no handle adopted (a
 ///   referent of the wrong class, or the objects of a load that failed halfway) are deleted then.
 /// - An object without a count (an exception) is handed over to the caller of serializePointer,
-///   who owns it from the moment the call returns (put it into a std::unique_ptr at once). The
-///   handle operators delete such an object when it is not of the handle's class. If loading
-///   fails before serializePointer returns, the archive deletes it. Objects without a count are
-///   not shared: each reference is stored in full and loads as an object of its own.
+///   who owns it from the moment the call returns. If loading fails before serializePointer
+///   returns, the archive deletes it. Objects without a count are not shared: each reference is
+///   stored in full and loads as an object of its own. The operator for std::unique_ptr applies
+///   these rules (prefer it to serializePointer); the handle operators delete such an object,
+///   which no handle can hold.
+/// - So a pointer that serializePointer returns is the caller's to delete only when the object
+///   has no count: a hostile archive can put a counted object where an exception was expected.
 /// - After an operation throws, the archive's position is unspecified: destroy it.
 class FOUNDATION_API xcArchive {
 public:
@@ -148,6 +151,9 @@ public:
     /// The longest chain of objects, each referring to the next, that an archive may hold
     /// (bounds the recursion of loading and of destroying what was loaded).
     static constexpr int kMaxObjectDepth = 256;
+    /// The most elements a loading vector record of anything but points reserves before its
+    /// elements arrive.
+    static constexpr std::size_t kVectorReserveLimit = 4096;
     /// The longest class name a pointer record may carry.
     static constexpr std::uint32_t kMaxClassNameLength = 1024;
 
@@ -277,6 +283,10 @@ FOUNDATION_API std::size_t transferVectorHeader(xcArchive& ar, std::size_t count
 /// Reads a pointer record for a handle of class T: returns the object when `isT` accepts it,
 /// otherwise null (deleting an object without a count, which nobody else owns).
 FOUNDATION_API xcPersistent* loadReferent(xcArchive& ar, bool (*isT)(xcPersistent*));
+/// Reads a pointer record for a sole owner of class T: returns the object when `isT` accepts it
+/// and it has no count (the caller owns it), otherwise null (deleting an object without a count;
+/// a counted object stays with the archive).
+FOUNDATION_API xcPersistent* loadOwned(xcArchive& ar, bool (*isT)(xcPersistent*));
 
 template <class T>
 bool isA(xcPersistent* p) {
@@ -300,17 +310,29 @@ void transferHandle(xcArchive& ar, Handle& h) {
 /// through its archive operator. Loading replaces the contents of `v`: it checks the count
 /// against the bytes left, resizes `v` to the count and reads the elements in order. A format
 /// byte other than 0 throws xcArchive::UnknownVersion with an empty source and line 0.
+///
+/// Memory: points are plain data, read at once into a vector of the checked count. Other
+/// elements may hold objects whose records nest further vectors, so the vector grows as its
+/// elements arrive (after reserving at most kVectorReserveLimit): no level claims memory for
+/// bytes that a deeper level goes on to consume.
 template <class T>
 void xfSerializeVector(xcArchive& ar, std::vector<T>& v) {
     const std::size_t count = xn_archive_detail::transferVectorHeader(ar, v.size(), xcArchiveWireSize<T>::value);
-    if (ar.isLoading()) {
-        v.clear();
-        v.resize(count);
-    }
     if constexpr (std::is_same<T, xcVector<2>>::value) {
+        if (ar.isLoading()) {
+            v.clear();
+            v.resize(count);
+        }
         xn_archive_detail::transferPoints(ar, v);
-    } else {
+    } else if (ar.isStoring()) {
         for (auto& e : v) ar || e;
+    } else {
+        v.clear();
+        v.reserve(count < xcArchive::kVectorReserveLimit ? count : xcArchive::kVectorReserveLimit);
+        for (std::size_t i = 0; i < count; ++i) {
+            v.emplace_back();
+            ar || v.back();
+        }
     }
 }
 
@@ -333,6 +355,23 @@ xcArchive& operator||(xcArchive& ar, xcPtrHandle<T>& h) {
 template <class T>
 xcArchive& operator||(xcArchive& ar, xcPtrHandle_const<T>& h) {
     xn_archive_detail::transferHandle<const T>(ar, h);
+    return ar;
+}
+
+/// The pointer record of an object with a sole owner (an object without a count, such as an
+/// exception). Storing writes `owned` (null allowed). Loading resets `owned`, then takes the
+/// loaded object when it is a T without a count; anything else gives null (an object without a
+/// count is deleted at once, a counted one stays with the archive: counted objects belong in
+/// handles).
+template <class T>
+xcArchive& operator||(xcArchive& ar, std::unique_ptr<T>& owned) {
+    xcPersistent* p = nullptr;
+    if (ar.isStoring()) {
+        xcPersistent::serializePointer(ar, owned.get(), p);
+        return ar;
+    }
+    owned.reset();
+    owned.reset(dynamic_cast<T*>(xn_archive_detail::loadOwned(ar, &xn_archive_detail::isA<T>)));
     return ar;
 }
 

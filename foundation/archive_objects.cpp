@@ -238,12 +238,25 @@ void xcPersistent::serializePointer(xcArchive& ar, const xcPersistent* object, x
     pointer = loadPointer(ar, st);
 }
 
+namespace {
+// Deletes a loaded object that the caller will not keep, unless the archive holds it.
+void discard(xcPersistent* p) {
+    if (!dynamic_cast<xcRepBase*>(p)) delete p;
+}
+}  // namespace
+
 xcPersistent* xn_archive_detail::loadReferent(xcArchive& ar, bool (*isT)(xcPersistent*)) {
     xcPersistent* p = nullptr;
     xcPersistent::serializePointer(ar, nullptr, p);
     if (!p || isT(p)) return p;
-    // Another class: a counted object stays with the archive (deleted with it); one without a
-    // count has no other owner.
-    if (!dynamic_cast<xcRepBase*>(p)) delete p;
+    discard(p);
+    return nullptr;
+}
+
+xcPersistent* xn_archive_detail::loadOwned(xcArchive& ar, bool (*isT)(xcPersistent*)) {
+    xcPersistent* p = nullptr;
+    xcPersistent::serializePointer(ar, nullptr, p);
+    if (!p || (isT(p) && !dynamic_cast<xcRepBase*>(p))) return p;
+    discard(p);
     return nullptr;
 }
