@@ -21,12 +21,14 @@ constexpr std::uint32_t kFirstLowSurrogate = 0xDC00;
 constexpr std::uint32_t kLastSurrogate = 0xDFFF;
 
 void putLE(unsigned char* out, std::uint64_t v, int bytes) {
-    for (int i = 0; i < bytes; ++i) out[i] = static_cast<unsigned char>(v >> (8 * i));
+    for (int i = 0; i < bytes; ++i)
+        out[i] = static_cast<unsigned char>(v >> (8 * i));
 }
 
 std::uint64_t getLE(const unsigned char* in, int bytes) {
     std::uint64_t v = 0;
-    for (int i = 0; i < bytes; ++i) v |= static_cast<std::uint64_t>(in[i]) << (8 * i);
+    for (int i = 0; i < bytes; ++i)
+        v |= static_cast<std::uint64_t>(in[i]) << (8 * i);
     return v;
 }
 
@@ -34,12 +36,15 @@ std::uint64_t getLE(const unsigned char* in, int bytes) {
 template <int Bytes>
 std::uint64_t transferLE(xcArchive& ar, std::uint64_t v) {
     unsigned char buf[Bytes];
-    if (ar.isStoring()) putLE(buf, v, Bytes);
+    if (ar.isStoring())
+        putLE(buf, v, Bytes);
     ar.transferBytes(buf, Bytes);
     return getLE(buf, Bytes);
 }
 
-bool isSurrogate(std::uint32_t c) { return c >= kFirstSurrogate && c <= kLastSurrogate; }
+bool isSurrogate(std::uint32_t c) {
+    return c >= kFirstSurrogate && c <= kLastSurrogate;
+}
 
 void appendCodePoint(std::wstring& out, std::uint32_t c) {
     if (sizeof(wchar_t) == 2 && c > 0xFFFF) {
@@ -54,7 +59,8 @@ void appendCodePoint(std::wstring& out, std::uint32_t c) {
 // Strict UTF-8 decoding: overlong forms, surrogates and values above U+10FFFF are refused.
 std::wstring decodeUtf8(const std::string& bytes) {
     const auto bad = [](std::size_t at) {
-        return xcArchive::BadData(L"invalid UTF-8 in archive string at byte " + std::to_wstring(at));
+        return xcArchive::BadData(L"invalid UTF-8 in archive string at byte " +
+                                  std::to_wstring(at));
     };
     std::wstring out;
     std::size_t i = 0;
@@ -74,13 +80,16 @@ std::wstring decodeUtf8(const std::string& bytes) {
                 throw bad(i);
             }
         }
-        if (static_cast<std::size_t>(extra) >= bytes.size() - i) throw bad(i);
+        if (static_cast<std::size_t>(extra) >= bytes.size() - i)
+            throw bad(i);
         for (int k = 1; k <= extra; ++k) {
             const unsigned char b = static_cast<unsigned char>(bytes[i + k]);
-            if ((b & 0xC0) != 0x80) throw bad(i);
+            if ((b & 0xC0) != 0x80)
+                throw bad(i);
             c = (c << 6) | (b & 0x3F);
         }
-        if (c < minValue || c > kMaxCodePoint || isSurrogate(c)) throw bad(i);
+        if (c < minValue || c > kMaxCodePoint || isSurrogate(c))
+            throw bad(i);
         appendCodePoint(out, c);
         i += 1 + extra;
     }
@@ -91,18 +100,22 @@ std::wstring decodeUtf8(const std::string& bytes) {
 // surrogate (with 16-bit wchar_t, a surrogate that is not part of a pair).
 void checkScalarValues(const std::wstring& s) {
     for (std::size_t i = 0; i < s.size(); ++i) {
-        const auto c = static_cast<std::uint32_t>(static_cast<std::make_unsigned<wchar_t>::type>(s[i]));
+        const auto c =
+            static_cast<std::uint32_t>(static_cast<std::make_unsigned<wchar_t>::type>(s[i]));
         bool ok = c <= kMaxCodePoint && !isSurrogate(c);
-        if (sizeof(wchar_t) == 2 && c >= kFirstSurrogate && c < kFirstLowSurrogate && i + 1 < s.size()) {
-            const auto lo = static_cast<std::uint32_t>(static_cast<std::make_unsigned<wchar_t>::type>(s[i + 1]));
+        if (sizeof(wchar_t) == 2 && c >= kFirstSurrogate && c < kFirstLowSurrogate &&
+            i + 1 < s.size()) {
+            const auto lo = static_cast<std::uint32_t>(
+                static_cast<std::make_unsigned<wchar_t>::type>(s[i + 1]));
             if (lo >= kFirstLowSurrogate && lo <= kLastSurrogate) {
                 ok = true;
                 ++i;
             }
         }
         if (!ok)
-            throw xcArchive::ValueOutOfRange(L"wide string holds a value that is not a Unicode scalar value at index " +
-                                             std::to_wstring(i));
+            throw xcArchive::ValueOutOfRange(
+                L"wide string holds a value that is not a Unicode scalar value at index " +
+                std::to_wstring(i));
     }
 }
 
@@ -112,7 +125,8 @@ void checkScalarValues(const std::wstring& s) {
 
 xcArchive::UnknownVersion::UnknownVersion() : xcExceptionT(L"unknown record version") {}
 xcArchive::UnknownVersion::UnknownVersion(const std::string& source, long line)
-    : xcExceptionT(L"unknown record version (" + widen(source) + L", " + std::to_wstring(line) + L")"),
+    : xcExceptionT(L"unknown record version (" + widen(source) + L", " + std::to_wstring(line) +
+                   L")"),
       source_(source),
       line_(line) {}
 xcArchive::UnknownVersion::~UnknownVersion() = default;
@@ -146,14 +160,19 @@ xcArchive::UnregisteredClass::~UnregisteredClass() = default;
 
 namespace {
 // The archive errors can themselves be stored (an application may pass them on).
-const xc_Instantiator kUnknownVersionClass(typeid(xcArchive::UnknownVersion), &xcArchive::UnknownVersion::make);
+const xc_Instantiator kUnknownVersionClass(typeid(xcArchive::UnknownVersion),
+                                           &xcArchive::UnknownVersion::make);
 const xc_Instantiator kBadFormatClass(typeid(xcArchive::BadFormat), &xcArchive::BadFormat::make);
 const xc_Instantiator kTruncatedClass(typeid(xcArchive::Truncated), &xcArchive::Truncated::make);
-const xc_Instantiator kUnknownClassClass(typeid(xcArchive::UnknownClass), &xcArchive::UnknownClass::make);
-const xc_Instantiator kBadReferenceClass(typeid(xcArchive::BadReference), &xcArchive::BadReference::make);
-const xc_Instantiator kCountTooLargeClass(typeid(xcArchive::CountTooLarge), &xcArchive::CountTooLarge::make);
+const xc_Instantiator kUnknownClassClass(typeid(xcArchive::UnknownClass),
+                                         &xcArchive::UnknownClass::make);
+const xc_Instantiator kBadReferenceClass(typeid(xcArchive::BadReference),
+                                         &xcArchive::BadReference::make);
+const xc_Instantiator kCountTooLargeClass(typeid(xcArchive::CountTooLarge),
+                                          &xcArchive::CountTooLarge::make);
 const xc_Instantiator kFileErrorClass(typeid(xcArchive::FileError), &xcArchive::FileError::make);
-const xc_Instantiator kValueOutOfRangeClass(typeid(xcArchive::ValueOutOfRange), &xcArchive::ValueOutOfRange::make);
+const xc_Instantiator kValueOutOfRangeClass(typeid(xcArchive::ValueOutOfRange),
+                                            &xcArchive::ValueOutOfRange::make);
 const xc_Instantiator kBadDataClass(typeid(xcArchive::BadData), &xcArchive::BadData::make);
 const xc_Instantiator kUnregisteredClassClass(typeid(xcArchive::UnregisteredClass),
                                               &xcArchive::UnregisteredClass::make);
@@ -175,7 +194,8 @@ void xcArchive::writeHeader() {
 void xcArchive::readHeader() {
     char magic[sizeof kMagic];
     transferBytes(magic, sizeof magic);
-    if (std::memcmp(magic, kMagic, sizeof kMagic) != 0) throw BadFormat(L"not an archive: bad magic number");
+    if (std::memcmp(magic, kMagic, sizeof kMagic) != 0)
+        throw BadFormat(L"not an archive: bad magic number");
     unsigned long version = 0;
     *this || version;
     if (version != kFormatVersion)
@@ -183,7 +203,8 @@ void xcArchive::readHeader() {
 }
 
 void xcArchive::transferBytes(void* data, std::size_t n) {
-    if (n == 0) return;
+    if (n == 0)
+        return;
     if (loading_)
         readRaw(data, n);
     else
@@ -191,7 +212,8 @@ void xcArchive::transferBytes(void* data, std::size_t n) {
 }
 
 void xcArchive::checkCount(std::uint64_t count, std::size_t minElementBytes) const {
-    if (!loading_ || minElementBytes == 0) return;
+    if (!loading_ || minElementBytes == 0)
+        return;
     if (count > bytesLeft() / minElementBytes)
         throw CountTooLarge(L"element count " + std::to_wstring(count) + L" exceeds the " +
                             std::to_wstring(bytesLeft()) + L" bytes left in the archive");
@@ -205,7 +227,8 @@ xcArchive& xcArchive::operator||(unsigned char& v) {
 xcArchive& xcArchive::operator||(bool& v) {
     unsigned char b = v ? 1 : 0;
     transferBytes(&b, 1);
-    if (b > 1) throw BadData(L"invalid bool " + std::to_wstring(b) + L" in archive");
+    if (b > 1)
+        throw BadData(L"invalid bool " + std::to_wstring(b) + L" in archive");
     v = b == 1;
     return *this;
 }
@@ -222,7 +245,8 @@ xcArchive& xcArchive::operator||(long& v) {
     constexpr long kMax = std::numeric_limits<std::int32_t>::max();
     if (isStoring() && (v < kMin || v > kMax))
         throw ValueOutOfRange(L"signed value " + std::to_wstring(v) + L" does not fit 32 bits");
-    const auto bits = static_cast<std::uint32_t>(transferLE<4>(*this, static_cast<std::uint32_t>(v)));
+    const auto bits =
+        static_cast<std::uint32_t>(transferLE<4>(*this, static_cast<std::uint32_t>(v)));
     v = static_cast<long>(static_cast<std::int32_t>(bits));
     return *this;
 }
@@ -235,7 +259,9 @@ xcArchive& xcArchive::operator||(double& v) {
     return *this;
 }
 
-xcArchive& xcArchive::operator||(xcVector<2>& v) { return *this || v[0] || v[1]; }
+xcArchive& xcArchive::operator||(xcVector<2>& v) {
+    return *this || v[0] || v[1];
+}
 
 xcArchive& xcArchive::operator||(xcEdgelet& e) {
     xcVector<2> pos = e.position();
@@ -243,13 +269,15 @@ xcArchive& xcArchive::operator||(xcEdgelet& e) {
     const auto mag = static_cast<std::uint16_t>(transferLE<2>(*this, e.magnitude()));
     unsigned char step = e.angle().raw();
     *this || step;
-    if (loading_) e = xcEdgelet(pos, mag, xcAngle8(static_cast<int>(step)));
+    if (loading_)
+        e = xcEdgelet(pos, mag, xcAngle8(static_cast<int>(step)));
     return *this;
 }
 
 xcArchive& xcArchive::operator||(std::string& s) {
     const std::size_t n = xn_archive_detail::transferCount(*this, s.size(), 1);
-    if (loading_) s.assign(n, '\0');
+    if (loading_)
+        s.assign(n, '\0');
     transferBytes(s.empty() ? nullptr : &s[0], s.size());
     return *this;
 }
@@ -261,25 +289,30 @@ xcArchive& xcArchive::operator||(std::wstring& s) {
         bytes = xfToUtf8(s);
     }
     *this || bytes;
-    if (loading_) s = decodeUtf8(bytes);
+    if (loading_)
+        s = decodeUtf8(bytes);
     return *this;
 }
 
 // ---- the vector record ----
 
-std::size_t xn_archive_detail::transferCount(xcArchive& ar, std::size_t count, std::size_t minElementBytes) {
+std::size_t xn_archive_detail::transferCount(xcArchive& ar, std::size_t count,
+                                             std::size_t minElementBytes) {
     if (ar.isStoring() && count > kMaxWireCount)
-        throw xcArchive::ValueOutOfRange(L"count " + std::to_wstring(count) + L" does not fit 32 bits");
+        throw xcArchive::ValueOutOfRange(L"count " + std::to_wstring(count) +
+                                         L" does not fit 32 bits");
     unsigned long wire = static_cast<unsigned long>(count);
     ar || wire;
     ar.checkCount(wire, minElementBytes);
     return wire;
 }
 
-std::size_t xn_archive_detail::transferVectorHeader(xcArchive& ar, std::size_t count, std::size_t minElementBytes) {
+std::size_t xn_archive_detail::transferVectorHeader(xcArchive& ar, std::size_t count,
+                                                    std::size_t minElementBytes) {
     unsigned char format = 0;
     ar || format;
-    if (format != 0) throw xcArchive::UnknownVersion(std::string(), 0);
+    if (format != 0)
+        throw xcArchive::UnknownVersion(std::string(), 0);
     return transferCount(ar, count, minElementBytes);
 }
 
@@ -288,6 +321,7 @@ void xn_archive_detail::transferPoints(xcArchive& ar, std::vector<xcVector<2>>& 
     if (kLittleEndianHost && sizeof(xcVector<2>) == 2 * sizeof(double)) {
         ar.transferBytes(v.data(), v.size() * sizeof(xcVector<2>));
     } else {
-        for (auto& p : v) ar || p;
+        for (auto& p : v)
+            ar || p;
     }
 }

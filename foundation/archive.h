@@ -63,12 +63,12 @@ struct State;
 ///   has no count: a hostile archive can put a counted object where an exception was expected.
 /// - After an operation throws, the archive's position is unspecified: destroy it.
 class FOUNDATION_API xcArchive {
-public:
+  public:
     /// A record carried a version (or format byte) that the reader does not know. source()
     /// names the reading code, line() the place in it.
     class FOUNDATION_API UnknownVersion
         : public xcExceptionT<UnknownVersion, xnErrorNumber::ArchiveUnknownVersion> {
-    public:
+      public:
         UnknownVersion();
         UnknownVersion(const std::string& source, long line);
         ~UnknownVersion() override;
@@ -77,26 +77,28 @@ public:
         /// The record: a version byte (0), the xcExceptionWithString record, source and line.
         void dispatchSerialize(xcArchive& ar) override;
 
-    private:
+      private:
         std::string source_;
         long line_ = 0;
     };
     /// The archive does not begin with the magic bytes, or has an unknown format version.
-    class FOUNDATION_API BadFormat : public xcExceptionT<BadFormat, xnErrorNumber::ArchiveBadFormat> {
-    public:
+    class FOUNDATION_API BadFormat
+        : public xcExceptionT<BadFormat, xnErrorNumber::ArchiveBadFormat> {
+      public:
         explicit BadFormat(const std::wstring& message = L"not an archive");
         ~BadFormat() override;
     };
     /// The data ended before a record was complete.
-    class FOUNDATION_API Truncated : public xcExceptionT<Truncated, xnErrorNumber::ArchiveTruncated> {
-    public:
+    class FOUNDATION_API Truncated
+        : public xcExceptionT<Truncated, xnErrorNumber::ArchiveTruncated> {
+      public:
         explicit Truncated(const std::wstring& message = L"archive data ends early");
         ~Truncated() override;
     };
     /// A stored class name that no class registered.
     class FOUNDATION_API UnknownClass
         : public xcExceptionT<UnknownClass, xnErrorNumber::ArchiveUnknownClass> {
-    public:
+      public:
         explicit UnknownClass(const std::wstring& message = L"unknown class in archive");
         ~UnknownClass() override;
     };
@@ -104,20 +106,21 @@ public:
     /// complete. Storing: a cycle of counted objects (loading could not resolve it).
     class FOUNDATION_API BadReference
         : public xcExceptionT<BadReference, xnErrorNumber::ArchiveBadReference> {
-    public:
+      public:
         explicit BadReference(const std::wstring& message = L"bad object reference in archive");
         ~BadReference() override;
     };
     /// An element count larger than the bytes left could hold.
     class FOUNDATION_API CountTooLarge
         : public xcExceptionT<CountTooLarge, xnErrorNumber::ArchiveCountTooLarge> {
-    public:
+      public:
         explicit CountTooLarge(const std::wstring& message = L"element count exceeds archive size");
         ~CountTooLarge() override;
     };
     /// A file could not be opened, read or written; the message names the path.
-    class FOUNDATION_API FileError : public xcExceptionT<FileError, xnErrorNumber::ArchiveFileError> {
-    public:
+    class FOUNDATION_API FileError
+        : public xcExceptionT<FileError, xnErrorNumber::ArchiveFileError> {
+      public:
         explicit FileError(const std::wstring& message = L"archive file error");
         ~FileError() override;
     };
@@ -125,14 +128,15 @@ public:
     /// that is not a Unicode scalar value).
     class FOUNDATION_API ValueOutOfRange
         : public xcExceptionT<ValueOutOfRange, xnErrorNumber::ArchiveValueOutOfRange> {
-    public:
-        explicit ValueOutOfRange(const std::wstring& message = L"value does not fit its archive width");
+      public:
+        explicit ValueOutOfRange(
+            const std::wstring& message = L"value does not fit its archive width");
         ~ValueOutOfRange() override;
     };
     /// Bytes that no valid record holds (a bool other than 0 or 1, invalid UTF-8, a bad pointer
     /// tag or class name length, a chain of objects deeper than kMaxObjectDepth).
     class FOUNDATION_API BadData : public xcExceptionT<BadData, xnErrorNumber::ArchiveBadData> {
-    public:
+      public:
         explicit BadData(const std::wstring& message = L"invalid archive data");
         ~BadData() override;
     };
@@ -140,7 +144,7 @@ public:
     /// took).
     class FOUNDATION_API UnregisteredClass
         : public xcExceptionT<UnregisteredClass, xnErrorNumber::ArchiveUnregisteredClass> {
-    public:
+      public:
         explicit UnregisteredClass(const std::wstring& message = L"class is not registered");
         ~UnregisteredClass() override;
     };
@@ -188,7 +192,7 @@ public:
     /// each fit in the bytes left. Storing: does nothing.
     void checkCount(std::uint64_t count, std::size_t minElementBytes) const;
 
-protected:
+  protected:
     /// Storing archives write the header at once; loading archives read and check it with
     /// readHeader() once their source is ready.
     explicit xcArchive(bool loading);
@@ -198,7 +202,7 @@ protected:
     /// Reads exactly n bytes or throws Truncated.
     virtual void readRaw(void* data, std::size_t n) = 0;
 
-private:
+  private:
     friend class xcPersistent;
     bool loading_;
     std::unique_ptr<xn_archive_detail::State> state_;
@@ -206,7 +210,7 @@ private:
 
 /// An archive in memory: stores into a byte vector, or loads from one.
 class FOUNDATION_API xcMemoryArchive : public xcArchive {
-public:
+  public:
     /// A storing archive (the header is written at once).
     xcMemoryArchive();
     /// A loading archive over a copy of `bytes`. Throws BadFormat or Truncated for a bad header.
@@ -220,11 +224,11 @@ public:
     const std::vector<unsigned char>& bytes() const { return out_; }
     std::uint64_t bytesLeft() const override;
 
-protected:
+  protected:
     void writeRaw(const void* data, std::size_t n) override;
     void readRaw(void* data, std::size_t n) override;
 
-private:
+  private:
     std::vector<unsigned char> out_;
     std::vector<unsigned char> copy_;
     const unsigned char* in_ = nullptr;
@@ -234,7 +238,7 @@ private:
 
 /// An archive on a file.
 class FOUNDATION_API xcFileArchive : public xcArchive {
-public:
+  public:
     enum Direction { store = 0, load = 1 };
     /// Opens `path` for storing (created or truncated) or loading. Throws FileError naming the
     /// path when it cannot be opened, and BadFormat or Truncated for a bad header.
@@ -247,11 +251,11 @@ public:
     const std::string& path() const { return path_; }
     std::uint64_t bytesLeft() const override;
 
-protected:
+  protected:
     void writeRaw(const void* data, std::size_t n) override;
     void readRaw(void* data, std::size_t n) override;
 
-private:
+  private:
     struct File;
     std::string path_;
     std::unique_ptr<File> file_;
@@ -264,13 +268,34 @@ template <class T>
 struct xcArchiveWireSize {
     static constexpr std::size_t value = 1;
 };
-template <> struct xcArchiveWireSize<unsigned long> { static constexpr std::size_t value = 4; };
-template <> struct xcArchiveWireSize<long> { static constexpr std::size_t value = 4; };
-template <> struct xcArchiveWireSize<double> { static constexpr std::size_t value = 8; };
-template <> struct xcArchiveWireSize<xcVector<2>> { static constexpr std::size_t value = 16; };
-template <> struct xcArchiveWireSize<xcEdgelet> { static constexpr std::size_t value = 19; };
-template <> struct xcArchiveWireSize<std::wstring> { static constexpr std::size_t value = 4; };
-template <> struct xcArchiveWireSize<std::string> { static constexpr std::size_t value = 4; };
+template <>
+struct xcArchiveWireSize<unsigned long> {
+    static constexpr std::size_t value = 4;
+};
+template <>
+struct xcArchiveWireSize<long> {
+    static constexpr std::size_t value = 4;
+};
+template <>
+struct xcArchiveWireSize<double> {
+    static constexpr std::size_t value = 8;
+};
+template <>
+struct xcArchiveWireSize<xcVector<2>> {
+    static constexpr std::size_t value = 16;
+};
+template <>
+struct xcArchiveWireSize<xcEdgelet> {
+    static constexpr std::size_t value = 19;
+};
+template <>
+struct xcArchiveWireSize<std::wstring> {
+    static constexpr std::size_t value = 4;
+};
+template <>
+struct xcArchiveWireSize<std::string> {
+    static constexpr std::size_t value = 4;
+};
 
 namespace xn_archive_detail {
 /// The elements of a vector record of points, transferred as one block on little-endian hosts.
@@ -279,7 +304,8 @@ FOUNDATION_API void transferPoints(xcArchive& ar, std::vector<xcVector<2>>& v);
 /// with an empty source and line 0 unless 0) and that `count` elements of `minElementBytes`
 /// fit in the bytes left (CountTooLarge), and returns the count. Storing: throws
 /// ValueOutOfRange for more than 2^32 - 1 elements.
-FOUNDATION_API std::size_t transferVectorHeader(xcArchive& ar, std::size_t count, std::size_t minElementBytes);
+FOUNDATION_API std::size_t transferVectorHeader(xcArchive& ar, std::size_t count,
+                                                std::size_t minElementBytes);
 /// Reads a pointer record for a handle of class T: returns the object when `isT` accepts it,
 /// otherwise null (deleting an object without a count, which nobody else owns).
 FOUNDATION_API xcPersistent* loadReferent(xcArchive& ar, bool (*isT)(xcPersistent*));
@@ -317,7 +343,8 @@ void transferHandle(xcArchive& ar, Handle& h) {
 /// bytes that a deeper level goes on to consume.
 template <class T>
 void xfSerializeVector(xcArchive& ar, std::vector<T>& v) {
-    const std::size_t count = xn_archive_detail::transferVectorHeader(ar, v.size(), xcArchiveWireSize<T>::value);
+    const std::size_t count =
+        xn_archive_detail::transferVectorHeader(ar, v.size(), xcArchiveWireSize<T>::value);
     if constexpr (std::is_same<T, xcVector<2>>::value) {
         if (ar.isLoading()) {
             v.clear();
@@ -325,7 +352,8 @@ void xfSerializeVector(xcArchive& ar, std::vector<T>& v) {
         }
         xn_archive_detail::transferPoints(ar, v);
     } else if (ar.isStoring()) {
-        for (auto& e : v) ar || e;
+        for (auto& e : v)
+            ar || e;
     } else {
         v.clear();
         v.reserve(count < xcArchive::kVectorReserveLimit ? count : xcArchive::kVectorReserveLimit);

@@ -20,12 +20,14 @@ constexpr unsigned char kNullTag = 0;
 constexpr unsigned char kObjectTag = 1;
 constexpr unsigned char kReferenceTag = 2;
 
-std::wstring classOf(const xcPersistent& object) { return widen(xc_Instantiator::stableName(typeid(object))); }
+std::wstring classOf(const xcPersistent& object) {
+    return widen(xc_Instantiator::stableName(typeid(object)));
+}
 
 // One open object record: bounds the nesting (and so the stack) and collects the depth of the
 // objects that the record's object refers to.
 class OpenRecord {
-public:
+  public:
     explicit OpenRecord(State& st) : st_(st) {
         if (st_.frames.size() >= static_cast<std::size_t>(xcArchive::kMaxObjectDepth))
             throw xcArchive::BadData(L"archive objects nested more than " +
@@ -55,7 +57,7 @@ public:
             st_.visited.erase(st_.markLog[i]);
     }
 
-private:
+  private:
     State& st_;
 };
 
@@ -64,28 +66,32 @@ void transferClassName(xcArchive& ar, std::string& name) {
     unsigned long length = static_cast<unsigned long>(name.size());
     ar || length;
     if (length == 0 || length > xcArchive::kMaxClassNameLength)
-        throw xcArchive::BadData(L"invalid class name length " + std::to_wstring(length) + L" in archive");
+        throw xcArchive::BadData(L"invalid class name length " + std::to_wstring(length) +
+                                 L" in archive");
     ar.checkCount(length, 1);
-    if (ar.isLoading()) name.assign(length, '\0');
+    if (ar.isLoading())
+        name.assign(length, '\0');
     ar.transferBytes(&name[0], length);
 }
 
 std::string registeredNameOf(const xcPersistent& object) {
     std::string name = xc_Instantiator::registeredName(typeid(object));
     if (name.empty())
-        throw xcArchive::UnregisteredClass(L"class " + classOf(object) +
-                                           L" is not registered for archives (no xc_Instantiator, or its "
-                                           L"name is taken by another class)");
+        throw xcArchive::UnregisteredClass(
+            L"class " + classOf(object) +
+            L" is not registered for archives (no xc_Instantiator, or its "
+            L"name is taken by another class)");
     if (name.size() > xcArchive::kMaxClassNameLength)
-        throw xcArchive::ValueOutOfRange(L"class name " + widen(name) + L" is too long for an archive");
+        throw xcArchive::ValueOutOfRange(L"class name " + widen(name) +
+                                         L" is too long for an archive");
     return name;
 }
 
 // Writes a back-reference to a counted object already written; returns its depth.
 int storeReference(xcArchive& ar, const StoredObject& stored, const xcPersistent& object) {
     if (!stored.complete)
-        throw xcArchive::BadReference(L"cannot store a cycle: an object of class " + classOf(object) +
-                                      L" refers back to itself");
+        throw xcArchive::BadReference(L"cannot store a cycle: an object of class " +
+                                      classOf(object) + L" refers back to itself");
     unsigned char tag = kReferenceTag;
     unsigned long id = stored.id;
     ar || tag || id;
@@ -155,7 +161,8 @@ xcPersistent* loadReference(xcArchive& ar, State& st) {
 
 // Loads the record of an object just created by its factory; returns the object, which the
 // archive keeps a reference to (counted) or hands over to the caller (no count).
-xcPersistent* loadCreated(xcArchive& ar, State& st, std::unique_ptr<xcPersistent> fresh, OpenRecord& record) {
+xcPersistent* loadCreated(xcArchive& ar, State& st, std::unique_ptr<xcPersistent> fresh,
+                          OpenRecord& record) {
     const xcRepBase* counted = dynamic_cast<const xcRepBase*>(fresh.get());
     if (!counted) {
         fresh->dispatchSerialize(ar);
@@ -184,9 +191,12 @@ xcPersistent* loadObject(xcArchive& ar, State& st) {
         std::string name;
         transferClassName(ar, name);
         const xc_Instantiator::MakeFunction make = xc_Instantiator::lookup(name);
-        if (!make) throw xcArchive::UnknownClass(L"unknown class \"" + widen(name) + L"\" in archive");
+        if (!make)
+            throw xcArchive::UnknownClass(L"unknown class \"" + widen(name) + L"\" in archive");
         std::unique_ptr<xcPersistent> fresh(make());
-        if (!fresh) throw xcArchive::UnknownClass(L"the factory of class \"" + widen(name) + L"\" made no object");
+        if (!fresh)
+            throw xcArchive::UnknownClass(L"the factory of class \"" + widen(name) +
+                                          L"\" made no object");
         object = loadCreated(ar, st, std::move(fresh), record);
         depth = record.depth();
     }
@@ -205,18 +215,21 @@ xcPersistent* loadPointer(xcArchive& ar, State& st) {
         case kObjectTag:
             return loadObject(ar, st);
         default:
-            throw xcArchive::BadData(L"invalid pointer tag " + std::to_wstring(tag) + L" in archive");
+            throw xcArchive::BadData(L"invalid pointer tag " + std::to_wstring(tag) +
+                                     L" in archive");
     }
 }
 
 }  // namespace
 
 xn_archive_detail::State::~State() {
-    for (const xcRepBase* r : held) r->release();
+    for (const xcRepBase* r : held)
+        r->release();
     // Newest first: an object is then never the last holder of a long chain of older objects, so
     // no destructor recursion is deeper than the graph's nesting.
     for (auto it = loaded.rbegin(); it != loaded.rend(); ++it)
-        if (it->counted) it->counted->release();
+        if (it->counted)
+            it->counted->release();
 }
 
 bool xcPersistent::haveVisited(xcArchive& ar, const void* address, std::size_t size) {
@@ -225,10 +238,12 @@ bool xcPersistent::haveVisited(xcArchive& ar, const void* address, std::size_t s
 
 void xcPersistent::setVisited(xcArchive& ar, const void* address, std::size_t size) {
     State& st = *ar.state_;
-    if (st.visited.insert({address, size}).second && !st.frames.empty()) st.markLog.push_back({address, size});
+    if (st.visited.insert({address, size}).second && !st.frames.empty())
+        st.markLog.push_back({address, size});
 }
 
-void xcPersistent::serializePointer(xcArchive& ar, const xcPersistent* object, xcPersistent*& pointer) {
+void xcPersistent::serializePointer(xcArchive& ar, const xcPersistent* object,
+                                    xcPersistent*& pointer) {
     State& st = *ar.state_;
     if (ar.isStoring()) {
         storePointer(ar, st, object);
@@ -241,14 +256,16 @@ void xcPersistent::serializePointer(xcArchive& ar, const xcPersistent* object, x
 namespace {
 // Deletes a loaded object that the caller will not keep, unless the archive holds it.
 void discard(xcPersistent* p) {
-    if (!dynamic_cast<xcRepBase*>(p)) delete p;
+    if (!dynamic_cast<xcRepBase*>(p))
+        delete p;
 }
 }  // namespace
 
 xcPersistent* xn_archive_detail::loadReferent(xcArchive& ar, bool (*isT)(xcPersistent*)) {
     xcPersistent* p = nullptr;
     xcPersistent::serializePointer(ar, nullptr, p);
-    if (!p || isT(p)) return p;
+    if (!p || isT(p))
+        return p;
     discard(p);
     return nullptr;
 }
@@ -256,7 +273,8 @@ xcPersistent* xn_archive_detail::loadReferent(xcArchive& ar, bool (*isT)(xcPersi
 xcPersistent* xn_archive_detail::loadOwned(xcArchive& ar, bool (*isT)(xcPersistent*)) {
     xcPersistent* p = nullptr;
     xcPersistent::serializePointer(ar, nullptr, p);
-    if (!p || (isT(p) && !dynamic_cast<xcRepBase*>(p))) return p;
+    if (!p || (isT(p) && !dynamic_cast<xcRepBase*>(p)))
+        return p;
     discard(p);
     return nullptr;
 }

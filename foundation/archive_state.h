@@ -23,7 +23,8 @@ using VisitKey = std::pair<const void*, std::size_t>;
 
 struct VisitKeyHash {
     std::size_t operator()(const VisitKey& k) const {
-        return std::hash<const void*>()(k.first) ^ (std::hash<std::size_t>()(k.second) * 0x9E3779B97F4A7C15ull);
+        return std::hash<const void*>()(k.first) ^
+               (std::hash<std::size_t>()(k.second) * 0x9E3779B97F4A7C15ull);
     }
 };
 
@@ -67,12 +68,15 @@ struct State {
 
     /// Reports an object of `depth` that the innermost open record refers to.
     void noteReferent(int depth) {
-        if (!frames.empty() && depth > frames.back().childDepth) frames.back().childDepth = depth;
+        if (!frames.empty() && depth > frames.back().childDepth)
+            frames.back().childDepth = depth;
     }
 };
 
 /// The bytes of `s` as wide characters, one each (for messages naming paths and classes).
-inline std::wstring widen(const std::string& s) { return std::wstring(s.begin(), s.end()); }
+inline std::wstring widen(const std::string& s) {
+    return std::wstring(s.begin(), s.end());
+}
 
 /// A 32-bit element count. Storing: throws ValueOutOfRange above 2^32 - 1. Loading: throws
 /// CountTooLarge unless `count` elements of `minElementBytes` fit in the bytes left.

@@ -73,8 +73,10 @@ xcPel::BadWindow::~BadWindow() = default;
 
 namespace {
 // The foundation's exceptions can be stored in archives like any persistent object.
-const xc_Instantiator kSingularClass(typeid(xcMathError::Singular), &xcMathError::Singular::make);
-const xc_Instantiator kNotFiniteClass(typeid(xcMathError::NotFinite), &xcMathError::NotFinite::make);
+const xc_Instantiator kSingularClass(typeid(xcMathError::Singular),
+                                    &xcMathError::Singular::make);
+const xc_Instantiator kNotFiniteClass(typeid(xcMathError::NotFinite),
+                                      &xcMathError::NotFinite::make);
 const xc_Instantiator kBadWindowClass(typeid(xcPel::BadWindow), &xcPel::BadWindow::make);
 }  // namespace
 

@@ -13,13 +13,15 @@
 xcPersistent::~xcPersistent() = default;
 
 void xcPersistent::dispatchSerialize(xcArchive& ar) {
-    dispatchPart(ar, this, 0, [](unsigned char version) { checkVersion(version, 0, "xcPersistent", 0); });
+    dispatchPart(ar, this, 0,
+                 [](unsigned char version) { checkVersion(version, 0, "xcPersistent", 0); });
 }
 
 void xcPersistent::reInit() {}
 
 void xcPersistent::loadSimple(xcArchive& ar) {
-    if (ar.isLoading()) dispatchSerialize(ar);
+    if (ar.isLoading())
+        dispatchSerialize(ar);
 }
 
 unsigned char xcPersistent::transferVersion(xcArchive& ar, unsigned char currentVersion) {
@@ -28,9 +30,10 @@ unsigned char xcPersistent::transferVersion(xcArchive& ar, unsigned char current
     return version;
 }
 
-void xcPersistent::checkVersion(unsigned char version, unsigned char newest, const std::string& source,
-                                long line) {
-    if (version > newest) throw xcArchive::UnknownVersion(source, line);
+void xcPersistent::checkVersion(unsigned char version, unsigned char newest,
+                                const std::string& source, long line) {
+    if (version > newest)
+        throw xcArchive::UnknownVersion(source, line);
 }
 
 namespace {
@@ -53,7 +56,9 @@ Registry& registry() {
     return r;
 }
 
-bool isIdentifierChar(char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; }
+bool isIdentifierChar(char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
+}
 
 // Removes `word` wherever it stands as a whole word (not inside an identifier such as
 // "Subclass").
@@ -95,11 +100,13 @@ xc_Instantiator::xc_Instantiator(const std::type_info& type, MakeFunction make)
 }
 
 xc_Instantiator::~xc_Instantiator() {
-    if (!owner_) return;
+    if (!owner_)
+        return;
     Registry& r = registry();
     std::lock_guard<std::mutex> lock(r.mutex);
     const auto found = r.byName.find(name_);
-    if (found == r.byName.end() || --found->second.instances > 0) return;
+    if (found == r.byName.end() || --found->second.instances > 0)
+        return;
     r.byName.erase(found);
     r.byType.erase(std::type_index(*type_));
 }
@@ -114,7 +121,8 @@ std::string xc_Instantiator::stableName(const std::type_info& type) {
 std::string xc_Instantiator::stableNameFrom(const std::string& demangled) {
     std::string name = demangled;
     replaceAll(name, "`anonymous namespace'", "(anonymous namespace)");
-    for (const char* keyword : {"class", "struct", "enum"}) eraseWord(name, keyword);
+    for (const char* keyword : {"class", "struct", "enum"})
+        eraseWord(name, keyword);
     // A blank survives only between two identifier characters ("unsigned long").
     std::string compact;
     for (std::size_t i = 0; i < name.size(); ++i) {
@@ -123,8 +131,10 @@ std::string xc_Instantiator::stableNameFrom(const std::string& demangled) {
             continue;
         }
         std::size_t next = i;
-        while (next < name.size() && name[next] == ' ') ++next;
-        if (!compact.empty() && isIdentifierChar(compact.back()) && next < name.size() && isIdentifierChar(name[next]))
+        while (next < name.size() && name[next] == ' ')
+            ++next;
+        if (!compact.empty() && isIdentifierChar(compact.back()) && next < name.size() &&
+            isIdentifierChar(name[next]))
             compact += ' ';
         i = next - 1;
     }

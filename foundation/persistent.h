@@ -16,7 +16,7 @@ class xcArchive;
 /// fields (a derived level passes its base levels through their dispatchSerialize). dispatchPart()
 /// implements that pattern once; see xcArchive for the wire format and for ownership.
 class FOUNDATION_API xcPersistent {
-public:
+  public:
     virtual ~xcPersistent();
 
     /// How many times mutating() was called on this object.
@@ -51,7 +51,7 @@ public:
     static void checkVersion(unsigned char version, unsigned char newest, const std::string& source,
                              long line);
 
-protected:
+  protected:
     xcPersistent() = default;
     /// A copy is a new object: its change count starts at 0.
     xcPersistent(const xcPersistent&) {}
@@ -63,15 +63,17 @@ protected:
     /// version byte (writing `currentVersion`, or reading the stored one), calls `body(version)`
     /// to transfer the level's fields, and marks the part visited.
     template <class Part, class Body>
-    static void dispatchPart(xcArchive& ar, const Part* part, unsigned char currentVersion, Body&& body) {
-        if (haveVisited(ar, part, sizeof(Part))) return;
+    static void dispatchPart(xcArchive& ar, const Part* part, unsigned char currentVersion,
+                             Body&& body) {
+        if (haveVisited(ar, part, sizeof(Part)))
+            return;
         body(transferVersion(ar, currentVersion));
         setVisited(ar, part, sizeof(Part));
     }
     /// Storing: writes `currentVersion` and returns it. Loading: returns the stored version byte.
     static unsigned char transferVersion(xcArchive& ar, unsigned char currentVersion);
 
-private:
+  private:
     unsigned long changeCount_ = 0;
 };
 
@@ -85,7 +87,7 @@ private:
 /// second counts as unregistered, so storing it throws xcArchive::UnregisteredClass rather than
 /// writing a record that would load as the other class.
 class FOUNDATION_API xc_Instantiator {
-public:
+  public:
     using MakeFunction = xcPersistent* (*)();
     /// Registers `type` with its factory, which returns a new object in its default state.
     xc_Instantiator(const std::type_info& type, MakeFunction make);
@@ -106,7 +108,7 @@ public:
     /// The name under which `type` is registered, or an empty string when it is not.
     static std::string registeredName(const std::type_info& type);
 
-private:
+  private:
     const std::type_info* type_;
     std::string name_;
     bool owner_;  // false when the name was already taken by another type

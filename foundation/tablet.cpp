@@ -12,14 +12,16 @@ xcUITablet::~xcUITablet() = default;
 
 xcRecordingTablet::~xcRecordingTablet() = default;
 
-void xcRecordingTablet::drawLineSeg(const xcPair<double>& p1, const xcPair<double>& p2, const xcColor& color,
-                                    const Layers& layers) {
+void xcRecordingTablet::drawLineSeg(const xcPair<double>& p1, const xcPair<double>& p2,
+                                    const xcColor& color, const Layers& layers) {
     segs_.push_back({p1, p2, color, layers});
 }
 
 namespace {
 
-bool isFinite(const xcPair<double>& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); }
+bool isFinite(const xcPair<double>& p) {
+    return std::isfinite(p.x()) && std::isfinite(p.y());
+}
 
 // The shortest decimal form that reads back as the same double, independent of the C locale.
 std::string number(double v) {
@@ -30,8 +32,8 @@ std::string number(double v) {
 
 std::string hexColor(const xcColor& c) {
     char buf[8];
-    std::snprintf(buf, sizeof buf, "#%02x%02x%02x", static_cast<unsigned>(c.r()), static_cast<unsigned>(c.g()),
-                  static_cast<unsigned>(c.b()));
+    std::snprintf(buf, sizeof buf, "#%02x%02x%02x", static_cast<unsigned>(c.r()),
+                  static_cast<unsigned>(c.g()), static_cast<unsigned>(c.b()));
     return buf;
 }
 
@@ -59,9 +61,9 @@ Bounds boundsOf(const std::vector<xcRecordingTablet::Segment>& segs) {
 }
 
 std::string lineElement(const xcRecordingTablet::Segment& s) {
-    return "<line x1=\"" + number(s.p1.x()) + "\" y1=\"" + number(s.p1.y()) + "\" x2=\"" + number(s.p2.x()) +
-           "\" y2=\"" + number(s.p2.y()) + "\" stroke=\"" + hexColor(s.color) + "\" data-layers=\"" +
-           std::to_string(s.layers.mask()) + "\"/>\n";
+    return "<line x1=\"" + number(s.p1.x()) + "\" y1=\"" + number(s.p1.y()) + "\" x2=\"" +
+           number(s.p2.x()) + "\" y2=\"" + number(s.p2.y()) + "\" stroke=\"" + hexColor(s.color) +
+           "\" data-layers=\"" + std::to_string(s.layers.mask()) + "\"/>\n";
 }
 
 }  // namespace
@@ -73,8 +75,8 @@ xcSvgTablet::xcSvgTablet(double strokeWidth) : strokeWidth_(strokeWidth) {
 
 xcSvgTablet::~xcSvgTablet() = default;
 
-void xcSvgTablet::drawLineSeg(const xcPair<double>& p1, const xcPair<double>& p2, const xcColor& color,
-                              const Layers& layers) {
+void xcSvgTablet::drawLineSeg(const xcPair<double>& p1, const xcPair<double>& p2,
+                              const xcColor& color, const Layers& layers) {
     if (!isFinite(p1) || !isFinite(p2)) {
         ++skipped_;
         return;
@@ -86,7 +88,8 @@ std::string xcSvgTablet::document() const {
     Bounds b = boundsOf(segs_);
     double side = std::max(b.maxX - b.minX, b.maxY - b.minY);
     if (side == 0.0) {
-        b = {b.minX - kUnitSide / 2, b.minY - kUnitSide / 2, b.maxX + kUnitSide / 2, b.maxY + kUnitSide / 2};
+        b = {b.minX - kUnitSide / 2, b.minY - kUnitSide / 2, b.maxX + kUnitSide / 2,
+             b.maxY + kUnitSide / 2};
         side = kUnitSide;
     }
     const double stroke = strokeWidth_ > 0.0 ? strokeWidth_ : side * kAutoStrokeFraction;
@@ -94,16 +97,17 @@ std::string xcSvgTablet::document() const {
     // With y flipped, the drawing's top edge maxY becomes the view box's smallest y.
     const double viewX = b.minX - margin, viewY = -b.maxY - margin;
     const double viewW = b.maxX - b.minX + 2.0 * margin, viewH = b.maxY - b.minY + 2.0 * margin;
-    if (!std::isfinite(viewX) || !std::isfinite(viewY) || !std::isfinite(viewW) || !std::isfinite(viewH) ||
-        !std::isfinite(stroke))
+    if (!std::isfinite(viewX) || !std::isfinite(viewY) || !std::isfinite(viewW) ||
+        !std::isfinite(viewH) || !std::isfinite(stroke))
         throw xcMathError::NotFinite(L"drawing too large for an SVG view box");
 
     std::string doc = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
-    doc += "<svg xmlns=\"http://www.w3.org/2000/svg\" version=\"1.1\" viewBox=\"" + number(viewX) + " " +
-           number(viewY) + " " + number(viewW) + " " + number(viewH) + "\">\n";
-    doc += "<g transform=\"scale(1,-1)\" fill=\"none\" stroke-linecap=\"round\" stroke-width=\"" + number(stroke) +
-           "\">\n";
-    for (const auto& s : segs_) doc += lineElement(s);
+    doc += "<svg xmlns=\"http://www.w3.org/2000/svg\" version=\"1.1\" viewBox=\"" + number(viewX) +
+           " " + number(viewY) + " " + number(viewW) + " " + number(viewH) + "\">\n";
+    doc += "<g transform=\"scale(1,-1)\" fill=\"none\" stroke-linecap=\"round\" stroke-width=\"" +
+           number(stroke) + "\">\n";
+    for (const auto& s : segs_)
+        doc += lineElement(s);
     doc += "</g>\n</svg>\n";
     return doc;
 }
@@ -114,7 +118,9 @@ void xcSvgTablet::write(const std::string& path) const {
         return std::wstring(what) + L" \"" + std::wstring(path.begin(), path.end()) + L"\"";
     };
     std::FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) throw xcArchive::FileError(message(L"cannot create"));
+    if (!f)
+        throw xcArchive::FileError(message(L"cannot create"));
     const bool written = std::fwrite(doc.data(), 1, doc.size(), f) == doc.size();
-    if (std::fclose(f) != 0 || !written) throw xcArchive::FileError(message(L"cannot write"));
+    if (std::fclose(f) != 0 || !written)
+        throw xcArchive::FileError(message(L"cannot write"));
 }

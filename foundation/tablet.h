@@ -10,25 +10,27 @@
 
 /// An RGB colour, 8 bits per channel. The default is black.
 class xcColor {
-public:
+  public:
     constexpr xcColor() = default;
     constexpr xcColor(std::uint8_t r, std::uint8_t g, std::uint8_t b) : r_(r), g_(g), b_(b) {}
     constexpr std::uint8_t r() const { return r_; }
     constexpr std::uint8_t g() const { return g_; }
     constexpr std::uint8_t b() const { return b_; }
-    constexpr bool operator==(const xcColor& o) const { return r_ == o.r_ && g_ == o.g_ && b_ == o.b_; }
+    constexpr bool operator==(const xcColor& o) const {
+        return r_ == o.r_ && g_ == o.g_ && b_ == o.b_;
+    }
     constexpr bool operator!=(const xcColor& o) const { return !(*this == o); }
 
-private:
+  private:
     std::uint8_t r_ = 0, g_ = 0, b_ = 0;
 };
 
 /// A drawing surface that shapes draw themselves on, as line segments.
 class FOUNDATION_API xcUITablet {
-public:
+  public:
     /// The overlay layers a drawing goes to, as a bit mask (layer k is bit k).
     class Layers {
-    public:
+      public:
         /// Layer 0 only.
         constexpr Layers() = default;
         constexpr explicit Layers(std::uint32_t mask) : mask_(mask) {}
@@ -36,7 +38,7 @@ public:
         constexpr bool operator==(const Layers& o) const { return mask_ == o.mask_; }
         constexpr bool operator!=(const Layers& o) const { return mask_ != o.mask_; }
 
-    private:
+      private:
         std::uint32_t mask_ = 1;
     };
 
@@ -49,7 +51,7 @@ public:
 /// A tablet that records the segments it is given, in order (for tests, and for applications
 /// that render elsewhere). It records every segment as given, non-finite ones included.
 class FOUNDATION_API xcRecordingTablet : public xcUITablet {
-public:
+  public:
     /// One drawLineSeg call.
     struct Segment {
         xcPair<double> p1, p2;
@@ -64,7 +66,7 @@ public:
     /// Forgets the recorded segments.
     void clear() { segs_.clear(); }
 
-private:
+  private:
     std::vector<Segment> segs_;
 };
 
@@ -80,7 +82,7 @@ private:
 /// coincide, the bounding box is the square of side kUnitSide centred on them; an empty drawing
 /// counts as one point at the origin.
 class FOUNDATION_API xcSvgTablet : public xcUITablet {
-public:
+  public:
     /// The margin around the drawing, as a fraction of the larger side of its bounding box.
     static constexpr double kMarginFraction = 0.05;
     /// The automatic stroke width, as a fraction of the larger side of the bounding box.
@@ -109,7 +111,7 @@ public:
     /// The number of segments skipped for a non-finite end point.
     std::size_t skippedCount() const { return skipped_; }
 
-private:
+  private:
     std::vector<xcRecordingTablet::Segment> segs_;
     std::size_t skipped_ = 0;
     double strokeWidth_;

@@ -12,7 +12,8 @@ namespace {
 std::vector<xcVector<2>> randomPoints(std::size_t n) {
     xcRandomUniform random(1);
     std::vector<xcVector<2>> points(n);
-    for (auto& p : points) p = xcVector<2>(random.next(-1e3, 1e3), random.next(-1e3, 1e3));
+    for (auto& p : points)
+        p = xcVector<2>(random.next(-1e3, 1e3), random.next(-1e3, 1e3));
     return points;
 }
 

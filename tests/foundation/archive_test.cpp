@@ -11,7 +11,7 @@
 
 #include <foundation/archive.h>
 
-#include "wire_bytes.h"
+#include "archive_support.h"
 
 namespace {
 
@@ -19,7 +19,9 @@ using Bytes = std::vector<unsigned char>;
 constexpr std::size_t kHeaderSize = 8;  // "XCAR" and a 32-bit format version
 
 // What a storing archive wrote after its header.
-Bytes body(const xcMemoryArchive& ar) { return Bytes(ar.bytes().begin() + kHeaderSize, ar.bytes().end()); }
+Bytes body(const xcMemoryArchive& ar) {
+    return Bytes(ar.bytes().begin() + kHeaderSize, ar.bytes().end());
+}
 
 template <class T>
 Bytes storeOne(T v) {
@@ -37,34 +39,16 @@ T loadOne(const wire::Bytes& bytes) {
     return v;
 }
 
-template <class T>
-T roundTrip(T v) {
-    xcMemoryArchive out;
-    out || v;
-    xcMemoryArchive in(out.bytes());
-    T back{};
-    in || back;
-    EXPECT_EQ(in.bytesLeft(), 0u);
-    return back;
-}
-
-std::uint64_t bitsOf(double d) {
-    std::uint64_t b;
-    std::memcpy(&b, &d, 8);
-    return b;
-}
-
-double fromBits(std::uint64_t b) {
-    double d;
-    std::memcpy(&d, &b, 8);
-    return d;
-}
+using support::bitsOf;
+using support::fromBits;
+using support::roundTrip;
 
 // An archive holding the header and then `tail`.
 wire::Bytes withHeader(const wire::Bytes& tail) {
     wire::Bytes b;
     b.header();
-    for (unsigned char c : tail.data()) b.u8(c);
+    for (unsigned char c : tail.data())
+        b.u8(c);
     return b;
 }
 
@@ -94,23 +78,17 @@ TEST(ArchiveHeader, EmptyDataIsTruncated) {
 
 TEST(ArchiveHeader, BadMagicIsBadFormat) {
     const Bytes bytes{'X', 'C', 'A', 'Z', 1, 0, 0, 0};
-    try {
-        xcMemoryArchive ar(bytes);
-        FAIL() << "no exception";
-    } catch (const xcArchive::BadFormat& e) {
-        EXPECT_EQ(e.errorNumber(), xnErrorNumber::ArchiveBadFormat);
-        EXPECT_NE(std::string(e.what()).find("magic"), std::string::npos) << e.what();
-    }
+    const auto e = support::caught<xcArchive::BadFormat>([&] { xcMemoryArchive ar(bytes); });
+    ASSERT_TRUE(e);
+    EXPECT_EQ(e->errorNumber(), xnErrorNumber::ArchiveBadFormat);
+    EXPECT_TRUE(support::says(*e, "magic")) << e->what();
 }
 
 TEST(ArchiveHeader, UnknownFormatVersionIsBadFormat) {
     const Bytes bytes{'X', 'C', 'A', 'R', 2, 0, 0, 0};
-    try {
-        xcMemoryArchive ar(bytes);
-        FAIL() << "no exception";
-    } catch (const xcArchive::BadFormat& e) {
-        EXPECT_NE(std::string(e.what()).find("version 2"), std::string::npos) << e.what();
-    }
+    const auto e = support::caught<xcArchive::BadFormat>([&] { xcMemoryArchive ar(bytes); });
+    ASSERT_TRUE(e);
+    EXPECT_TRUE(support::says(*e, "version 2")) << e->what();
 }
 
 TEST(ArchiveHeader, HeaderCutShortIsTruncated) {
@@ -148,15 +126,13 @@ TEST(ArchivePrimitives, UnsignedLongIsFourBytesLittleEndian) {
 }
 
 TEST(ArchivePrimitives, UnsignedLongAbove32BitsThrowsAndWritesNothing) {
-    if (sizeof(unsigned long) <= 4) GTEST_SKIP() << "unsigned long has 32 bits here";
+    if (sizeof(unsigned long) <= 4)
+        GTEST_SKIP() << "unsigned long has 32 bits here";
     xcMemoryArchive ar;
     unsigned long v = 4294967296ul;  // 2^32
-    try {
-        ar || v;
-        FAIL() << "no exception";
-    } catch (const xcArchive::ValueOutOfRange& e) {
-        EXPECT_EQ(e.errorNumber(), xnErrorNumber::ArchiveValueOutOfRange);
-    }
+    const auto e = support::caught<xcArchive::ValueOutOfRange>([&] { ar || v; });
+    ASSERT_TRUE(e);
+    EXPECT_EQ(e->errorNumber(), xnErrorNumber::ArchiveValueOutOfRange);
     EXPECT_EQ(ar.bytes().size(), kHeaderSize);
 }
 
@@ -171,8 +147,10 @@ TEST(ArchivePrimitives, LongIsFourBytesTwosComplement) {
 }
 
 TEST(ArchivePrimitives, LongOutside32BitsThrows) {
-    if (sizeof(long) <= 4) GTEST_SKIP() << "long has 32 bits here";
-    for (long v : {2147483648L, -2147483649L, std::numeric_limits<long>::max(), std::numeric_limits<long>::min()}) {
+    if (sizeof(long) <= 4)
+        GTEST_SKIP() << "long has 32 bits here";
+    for (long v : {2147483648L, -2147483649L, std::numeric_limits<long>::max(),
+                   std::numeric_limits<long>::min()}) {
         xcMemoryArchive ar;
         EXPECT_THROW(ar || v, xcArchive::ValueOutOfRange) << v;
         EXPECT_EQ(ar.bytes().size(), kHeaderSize);
@@ -208,7 +186,8 @@ TEST(ArchivePrimitives, ExtremeDoublesRoundTripBitExact) {
         out || v;
         const Bytes wire = body(out);
         ASSERT_EQ(wire.size(), 8u);
-        for (int i = 0; i < 8; ++i) EXPECT_EQ(wire[i], static_cast<unsigned char>(p >> (8 * i))) << std::hex << p;
+        for (int i = 0; i < 8; ++i)
+            EXPECT_EQ(wire[i], static_cast<unsigned char>(p >> (8 * i))) << std::hex << p;
         xcMemoryArchive in(out.bytes());
         double back = 0.0;
         in || back;
@@ -253,7 +232,8 @@ TEST(ArchivePrimitives, WideStringIsUtf8WithByteCount) {
     EXPECT_EQ(storeOne(std::wstring(L"abc")), (Bytes{3, 0, 0, 0, 'a', 'b', 'c'}));
     // U+00E9 is C3 A9, U+20AC is E2 82 AC, U+1F600 is F0 9F 98 80: 9 bytes.
     const std::wstring s = L"\u00E9\u20AC\U0001F600";
-    EXPECT_EQ(storeOne(s), (Bytes{9, 0, 0, 0, 0xC3, 0xA9, 0xE2, 0x82, 0xAC, 0xF0, 0x9F, 0x98, 0x80}));
+    EXPECT_EQ(storeOne(s),
+              (Bytes{9, 0, 0, 0, 0xC3, 0xA9, 0xE2, 0x82, 0xAC, 0xF0, 0x9F, 0x98, 0x80}));
 }
 
 TEST(ArchivePrimitives, NonAsciiWideStringsRoundTrip) {
@@ -266,7 +246,8 @@ TEST(ArchivePrimitives, NonAsciiWideStringsRoundTrip) {
         L"\U0001F600\U0010FFFF",
         L"\u007F\u0080\u07FF\u0800\uFFFF\U00010000",  // each UTF-8 length boundary
     };
-    for (const std::wstring& s : samples) EXPECT_EQ(roundTrip(s), s);
+    for (const std::wstring& s : samples)
+        EXPECT_EQ(roundTrip(s), s);
 }
 
 TEST(ArchivePrimitives, WideStringThatUtf8CannotCarryThrowsOnStore) {
@@ -297,7 +278,8 @@ TEST(ArchivePrimitives, InvalidUtf8IsBadData) {
     for (const auto& seq : bad) {
         wire::Bytes b;
         b.header().u32(static_cast<std::uint32_t>(seq.size()));
-        for (unsigned c : seq) b.u8(c);
+        for (unsigned c : seq)
+            b.u8(c);
         xcMemoryArchive ar(b.data());
         std::wstring s;
         EXPECT_THROW(ar || s, xcArchive::BadData) << std::hex << seq[0];
@@ -385,13 +367,10 @@ TEST(ArchivePrimitives, TruncatedMessageSaysHowManyBytesWereMissing) {
     b.header().u8(1);
     xcMemoryArchive ar(b.data());
     double d = 0;
-    try {
-        ar || d;
-        FAIL() << "no exception";
-    } catch (const xcArchive::Truncated& e) {
-        EXPECT_EQ(e.errorNumber(), xnErrorNumber::ArchiveTruncated);
-        EXPECT_NE(std::string(e.what()).find("8 bytes needed, 1 left"), std::string::npos) << e.what();
-    }
+    const auto e = support::caught<xcArchive::Truncated>([&] { ar || d; });
+    ASSERT_TRUE(e);
+    EXPECT_EQ(e->errorNumber(), xnErrorNumber::ArchiveTruncated);
+    EXPECT_TRUE(support::says(*e, "8 bytes needed, 1 left")) << e->what();
 }
 
 // ---- strings and counts against the bytes left ----
@@ -459,7 +438,8 @@ TEST(ArchiveVectorRecord, OtherElementTypesGoThroughTheirOperators) {
 TEST(ArchiveVectorRecord, RandomPointsRoundTripExactly) {
     std::mt19937_64 gen(7);
     std::vector<xcVector<2>> points;
-    for (int i = 0; i < 1000; ++i) points.emplace_back(fromBits(gen()), fromBits(gen()));
+    for (int i = 0; i < 1000; ++i)
+        points.emplace_back(fromBits(gen()), fromBits(gen()));
     const std::vector<xcVector<2>> back = roundTrip(points);
     ASSERT_EQ(back.size(), points.size());
     for (std::size_t i = 0; i < points.size(); ++i) {
@@ -473,7 +453,8 @@ TEST(ArchiveVectorRecord, VectorsOfOtherTypesRoundTrip) {
     EXPECT_EQ(roundTrip(counts), counts);
     const std::vector<std::wstring> names{L"\u00E9", L"", L"x"};
     EXPECT_EQ(roundTrip(names), names);
-    const std::vector<xcEdgelet> edgelets{xcEdgelet(xcVector<2>(1, 2), 3, xcAngle8(4)), xcEdgelet()};
+    const std::vector<xcEdgelet> edgelets{xcEdgelet(xcVector<2>(1, 2), 3, xcAngle8(4)),
+                                          xcEdgelet()};
     EXPECT_EQ(roundTrip(edgelets), edgelets);
     const std::vector<double> doubles{0.5, -0.0, 1e-310};
     EXPECT_EQ(roundTrip(doubles), doubles);
@@ -493,14 +474,11 @@ TEST(ArchiveVectorRecord, FormatByteOtherThanZeroIsUnknownVersion) {
     b.header().u8(1).u32(0);
     xcMemoryArchive ar(b.data());
     std::vector<xcVector<2>> v;
-    try {
-        ar || v;
-        FAIL() << "no exception";
-    } catch (const xcArchive::UnknownVersion& e) {
-        EXPECT_EQ(e.source(), "");
-        EXPECT_EQ(e.line(), 0);
-        EXPECT_EQ(e.errorNumber(), xnErrorNumber::ArchiveUnknownVersion);
-    }
+    const auto e = support::caught<xcArchive::UnknownVersion>([&] { ar || v; });
+    ASSERT_TRUE(e);
+    EXPECT_EQ(e->source(), "");
+    EXPECT_EQ(e->line(), 0);
+    EXPECT_EQ(e->errorNumber(), xnErrorNumber::ArchiveUnknownVersion);
 }
 
 TEST(ArchiveVectorRecord, MaximalCountWithTenBytesLeftThrowsBeforeAllocating) {
@@ -576,7 +554,9 @@ TEST(MemoryArchive, LoadingFromACopyIsIndependentOfTheSource) {
 
 // ---- file archive ----
 
-std::string tempPath(const std::string& name) { return ::testing::TempDir() + "archive_test_" + name; }
+std::string tempPath(const std::string& name) {
+    return ::testing::TempDir() + "archive_test_" + name;
+}
 
 TEST(FileArchive, RoundTrip) {
     const std::string path = tempPath("round_trip.xca");
@@ -595,7 +575,8 @@ TEST(FileArchive, RoundTrip) {
     long n2 = 0;
     xcFileArchive in(path, xcFileArchive::load);
     EXPECT_TRUE(in.isLoading());
-    EXPECT_EQ(in.bytesLeft(), 5u + 48u + 4u + 10u + 4u);  // vector, points, string count, UTF-8, long
+    EXPECT_EQ(in.bytesLeft(),
+              5u + 48u + 4u + 10u + 4u);  // vector, points, string count, UTF-8, long
     in || points2 || label2 || n2;
     EXPECT_EQ(points2, points);
     EXPECT_EQ(label2, label);
@@ -625,23 +606,19 @@ TEST(FileArchive, FileBytesEqualMemoryBytes) {
 TEST(FileArchive, MissingFileThrowsNamingThePath) {
     const std::string path = tempPath("does_not_exist.xca");
     std::remove(path.c_str());
-    try {
-        xcFileArchive in(path, xcFileArchive::load);
-        FAIL() << "no exception";
-    } catch (const xcArchive::FileError& e) {
-        EXPECT_EQ(e.errorNumber(), xnErrorNumber::ArchiveFileError);
-        EXPECT_NE(std::string(e.what()).find(path), std::string::npos) << e.what();
-    }
+    const auto e =
+        support::caught<xcArchive::FileError>([&] { xcFileArchive in(path, xcFileArchive::load); });
+    ASSERT_TRUE(e);
+    EXPECT_EQ(e->errorNumber(), xnErrorNumber::ArchiveFileError);
+    EXPECT_TRUE(support::says(*e, path)) << e->what();
 }
 
 TEST(FileArchive, UncreatableFileThrowsNamingThePath) {
     const std::string path = tempPath("no_such_dir/sub/x.xca");
-    try {
-        xcFileArchive out(path, xcFileArchive::store);
-        FAIL() << "no exception";
-    } catch (const xcArchive::FileError& e) {
-        EXPECT_NE(std::string(e.what()).find(path), std::string::npos) << e.what();
-    }
+    const auto e = support::caught<xcArchive::FileError>(
+        [&] { xcFileArchive out(path, xcFileArchive::store); });
+    ASSERT_TRUE(e);
+    EXPECT_TRUE(support::says(*e, path)) << e->what();
 }
 
 TEST(FileArchive, TruncatedFileThrowsNamingThePath) {
@@ -653,12 +630,9 @@ TEST(FileArchive, TruncatedFileThrowsNamingThePath) {
     }
     xcFileArchive in(path, xcFileArchive::load);
     double d = 0;
-    try {
-        in || d;
-        FAIL() << "no exception";
-    } catch (const xcArchive::Truncated& e) {
-        EXPECT_NE(std::string(e.what()).find(path), std::string::npos) << e.what();
-    }
+    const auto e = support::caught<xcArchive::Truncated>([&] { in || d; });
+    ASSERT_TRUE(e);
+    EXPECT_TRUE(support::says(*e, path)) << e->what();
     std::remove(path.c_str());
 }
 

@@ -7,7 +7,7 @@
 
 #include <foundation/archive.h>
 
-#include "wire_bytes.h"
+#include "archive_support.h"
 
 namespace {
 
@@ -25,7 +25,8 @@ std::unique_ptr<xcException> loadException(const std::vector<unsigned char>& byt
     std::unique_ptr<xcPersistent> owner(p);
     EXPECT_EQ(in.bytesLeft(), 0u);
     auto* e = dynamic_cast<xcException*>(p);
-    if (e) owner.release();
+    if (e)
+        owner.release();
     return std::unique_ptr<xcException>(e);
 }
 
@@ -78,14 +79,13 @@ TEST(ExceptionArchive, UnknownVersionKeepsSourceAndLine) {
 }
 
 TEST(ExceptionArchive, LoadedExceptionCanBeRethrownAsItsClass) {
-    std::unique_ptr<xcException> back = loadException(storeException(xcMathError::Singular(L"again")));
+    std::unique_ptr<xcException> back =
+        loadException(storeException(xcMathError::Singular(L"again")));
     ASSERT_NE(back, nullptr);
-    try {
-        back.release()->suicideAndRethrow();
-        FAIL() << "no exception";
-    } catch (const xcMathError::Singular& e) {
-        EXPECT_STREQ(e.what(), "again");
-    }
+    const auto e =
+        support::caught<xcMathError::Singular>([&] { back.release()->suicideAndRethrow(); });
+    ASSERT_TRUE(e);
+    EXPECT_STREQ(e->what(), "again");
 }
 
 TEST(ExceptionArchive, UnknownVersionOfEachLevelNamesTheLevel) {

@@ -12,6 +12,8 @@
 #include <foundation/archive.h>
 #include <foundation/tablet.h>
 
+#include "archive_support.h"
+
 namespace {
 
 // ---- a small XML reader, enough to check the SVG document's structure ----
@@ -26,52 +28,64 @@ struct Element {
 // with whitespace between elements only. Throws std::runtime_error on anything ill-formed
 // (bad names, unquoted or repeated attributes, raw '<' or '&' in values, mismatched tags).
 class XmlReader {
-public:
+  public:
     explicit XmlReader(const std::string& text) : s_(text) {}
 
     Element document() {
         if (s_.compare(0, 5, "<?xml") == 0) {
             const std::size_t end = s_.find("?>");
-            if (end == std::string::npos) fail("unterminated declaration");
+            if (end == std::string::npos)
+                fail("unterminated declaration");
             pos_ = end + 2;
         }
         skipSpace();
         Element root = element();
         skipSpace();
-        if (pos_ != s_.size()) fail("content after the root element");
+        if (pos_ != s_.size())
+            fail("content after the root element");
         return root;
     }
 
-private:
+  private:
     [[noreturn]] void fail(const std::string& what) const {
         throw std::runtime_error(what + " at offset " + std::to_string(pos_));
     }
     bool at(char c) const { return pos_ < s_.size() && s_[pos_] == c; }
     void expect(char c) {
-        if (!at(c)) fail(std::string("expected '") + c + "'");
+        if (!at(c))
+            fail(std::string("expected '") + c + "'");
         ++pos_;
     }
     void skipSpace() {
-        while (pos_ < s_.size() && std::isspace(static_cast<unsigned char>(s_[pos_]))) ++pos_;
+        while (pos_ < s_.size() && std::isspace(static_cast<unsigned char>(s_[pos_])))
+            ++pos_;
     }
-    static bool nameStart(char c) { return std::isalpha(static_cast<unsigned char>(c)) || c == '_' || c == ':'; }
+    static bool nameStart(char c) {
+        return std::isalpha(static_cast<unsigned char>(c)) || c == '_' || c == ':';
+    }
     static bool nameChar(char c) {
         return nameStart(c) || std::isdigit(static_cast<unsigned char>(c)) || c == '-' || c == '.';
     }
     std::string name() {
-        if (pos_ >= s_.size() || !nameStart(s_[pos_])) fail("expected a name");
+        if (pos_ >= s_.size() || !nameStart(s_[pos_]))
+            fail("expected a name");
         const std::size_t start = pos_;
-        while (pos_ < s_.size() && nameChar(s_[pos_])) ++pos_;
+        while (pos_ < s_.size() && nameChar(s_[pos_]))
+            ++pos_;
         return s_.substr(start, pos_ - start);
     }
     std::string attributeValue() {
         expect('"');
         const std::size_t end = s_.find('"', pos_);
-        if (end == std::string::npos) fail("unterminated attribute value");
+        if (end == std::string::npos)
+            fail("unterminated attribute value");
         const std::string value = s_.substr(pos_, end - pos_);
-        if (value.find('<') != std::string::npos) fail("'<' in an attribute value");
-        for (std::size_t amp = value.find('&'); amp != std::string::npos; amp = value.find('&', amp + 1))
-            if (value.find(';', amp) == std::string::npos) fail("bare '&' in an attribute value");
+        if (value.find('<') != std::string::npos)
+            fail("'<' in an attribute value");
+        for (std::size_t amp = value.find('&'); amp != std::string::npos;
+             amp = value.find('&', amp + 1))
+            if (value.find(';', amp) == std::string::npos)
+                fail("bare '&' in an attribute value");
         pos_ = end + 1;
         return value;
     }
@@ -91,21 +105,25 @@ private:
                 ++pos_;
                 break;
             }
-            if (pos_ == before) fail("attributes must be separated by whitespace");
+            if (pos_ == before)
+                fail("attributes must be separated by whitespace");
             const std::string key = name();
             expect('=');
-            if (!e.attributes.emplace(key, attributeValue()).second) fail("repeated attribute " + key);
+            if (!e.attributes.emplace(key, attributeValue()).second)
+                fail("repeated attribute " + key);
         }
         for (;;) {
             skipSpace();
             if (s_.compare(pos_, 2, "</") == 0) {
                 pos_ += 2;
-                if (name() != e.name) fail("mismatched end tag for " + e.name);
+                if (name() != e.name)
+                    fail("mismatched end tag for " + e.name);
                 skipSpace();
                 expect('>');
                 return e;
             }
-            if (!at('<')) fail("text content in " + e.name);
+            if (!at('<'))
+                fail("text content in " + e.name);
             e.children.push_back(element());
         }
     }
@@ -119,13 +137,15 @@ std::vector<double> numbers(const std::string& list) {
     in.imbue(std::locale::classic());
     std::vector<double> out;
     double v;
-    while (in >> v) out.push_back(v);
+    while (in >> v)
+        out.push_back(v);
     return out;
 }
 
 double number(const std::string& text) {
     const std::vector<double> v = numbers(text);
-    if (v.size() != 1) throw std::runtime_error("not one number: " + text);
+    if (v.size() != 1)
+        throw std::runtime_error("not one number: " + text);
     return v[0];
 }
 
@@ -163,9 +183,11 @@ const xcUITablet::Layers kLayer0;
 // ---- the reader itself ----
 
 TEST(XmlReader, AcceptsWellFormedAndRejectsIllFormed) {
-    EXPECT_NO_THROW(XmlReader("<?xml version=\"1.0\"?>\n<a x=\"1\"><b/><c y=\"&amp;\"></c></a>\n").document());
-    for (const char* bad : {"<a><b></a></b>", "<a x=1/>", "<a x=\"1\" x=\"2\"/>", "<a/><b/>", "<a>text</a>",
-                            "<a x=\"<\"/>", "<a x=\"&\"/>", "<a", "<1a/>", "<a x=\"1\"y=\"2\"/>"}) {
+    EXPECT_NO_THROW(
+        XmlReader("<?xml version=\"1.0\"?>\n<a x=\"1\"><b/><c y=\"&amp;\"></c></a>\n").document());
+    for (const char* bad :
+         {"<a><b></a></b>", "<a x=1/>", "<a x=\"1\" x=\"2\"/>", "<a/><b/>", "<a>text</a>",
+          "<a x=\"<\"/>", "<a x=\"&\"/>", "<a", "<1a/>", "<a x=\"1\"y=\"2\"/>"}) {
         EXPECT_THROW(XmlReader(bad).document(), std::runtime_error) << bad;
     }
 }
@@ -256,7 +278,8 @@ TEST(SvgTablet, YAxisPointsUpThroughAFlipOfTheGroup) {
 TEST(SvgTablet, ViewBoxHoldsEveryFlippedPoint) {
     xcSvgTablet t;
     const std::vector<xcPair<double>> points{{-3, 8}, {12.5, -4}, {0, 0}, {7, 7.75}};
-    for (std::size_t i = 0; i + 1 < points.size(); ++i) t.drawLineSeg(points[i], points[i + 1], kOrange, kLayer0);
+    for (std::size_t i = 0; i + 1 < points.size(); ++i)
+        t.drawLineSeg(points[i], points[i + 1], kOrange, kLayer0);
     const std::vector<double> box = parse(t).viewBox();
     for (const xcPair<double>& p : points) {
         EXPECT_GT(p.x(), box[0]);
@@ -317,7 +340,8 @@ TEST(SvgTablet, WriteStoresTheDocument) {
     ASSERT_NE(f, nullptr);
     std::string content;
     char buf[4096];
-    for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) content.append(buf, n);
+    for (std::size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;)
+        content.append(buf, n);
     std::fclose(f);
     std::remove(path.c_str());
     EXPECT_EQ(content, t.document());
@@ -325,12 +349,9 @@ TEST(SvgTablet, WriteStoresTheDocument) {
 
 TEST(SvgTablet, WriteFailureNamesThePath) {
     const std::string path = ::testing::TempDir() + "no_such_dir/tablet.svg";
-    try {
-        xcSvgTablet().write(path);
-        FAIL() << "no exception";
-    } catch (const xcArchive::FileError& e) {
-        EXPECT_NE(std::string(e.what()).find(path), std::string::npos) << e.what();
-    }
+    const auto e = support::caught<xcArchive::FileError>([&] { xcSvgTablet().write(path); });
+    ASSERT_TRUE(e);
+    EXPECT_TRUE(support::says(*e, path)) << e->what();
 }
 
 }  // namespace

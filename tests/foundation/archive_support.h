@@ -1,18 +1,24 @@
-#ifndef TESTS_FOUNDATION_WIRE_BYTES_H
-#define TESTS_FOUNDATION_WIRE_BYTES_H
+#ifndef TESTS_FOUNDATION_ARCHIVE_SUPPORT_H
+#define TESTS_FOUNDATION_ARCHIVE_SUPPORT_H
 
-// Builds archive bytes by hand, independently of the archive code, so that tests can compare
-// what the archive writes with the documented wire format and feed it hostile data.
+// Shared by the archive tests: archive bytes built by hand, independently of the archive code
+// (to compare what the archive writes with the documented wire format, and to feed it hostile
+// data), and small helpers.
 
 #include <cstdint>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include <foundation/archive.h>
 
 namespace wire {
 
 class Bytes {
-public:
+  public:
     /// The magic "XCAR" and format version 1.
     Bytes& header() { return raw("XCAR").u32(1); }
     Bytes& u8(unsigned v) {
@@ -42,7 +48,7 @@ public:
     const std::vector<unsigned char>& data() const { return b_; }
     std::size_t size() const { return b_.size(); }
 
-private:
+  private:
     std::vector<unsigned char> b_;
 };
 
@@ -50,10 +56,59 @@ private:
 inline int countOccurrences(const std::vector<unsigned char>& bytes, const std::string& needle) {
     int n = 0;
     for (std::size_t i = 0; i + needle.size() <= bytes.size(); ++i)
-        if (std::memcmp(&bytes[i], needle.data(), needle.size()) == 0) ++n;
+        if (std::memcmp(&bytes[i], needle.data(), needle.size()) == 0)
+            ++n;
     return n;
 }
 
 }  // namespace wire
+
+namespace support {
+
+/// Stores `v` in a memory archive and loads it back into a value-initialised T; expects the
+/// record to be read completely.
+template <class T>
+T roundTrip(T v) {
+    xcMemoryArchive out;
+    out || v;
+    xcMemoryArchive in(out.bytes());
+    T back{};
+    in || back;
+    EXPECT_EQ(in.bytesLeft(), 0u);
+    return back;
+}
+
+inline std::uint64_t bitsOf(double d) {
+    std::uint64_t b;
+    std::memcpy(&b, &d, 8);
+    return b;
+}
+
+inline double fromBits(std::uint64_t b) {
+    double d;
+    std::memcpy(&d, &b, 8);
+    return d;
+}
+
+/// Runs `action`, which must throw an E: returns a copy of it, or nothing (with a test failure)
+/// when `action` returns.
+template <class E, class F>
+std::optional<E> caught(F&& action) {
+    try {
+        action();
+    } catch (const E& e) {
+        return e;
+    }
+    ADD_FAILURE() << "no exception";
+    return std::nullopt;
+}
+
+/// Whether the message of `e` contains `part`.
+template <class E>
+bool says(const E& e, const std::string& part) {
+    return std::string(e.what()).find(part) != std::string::npos;
+}
+
+}  // namespace support
 
 #endif
