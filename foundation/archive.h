@@ -46,10 +46,10 @@ struct State;
 /// objects throws BadReference, a deeper graph throws BadData.
 ///
 /// Ownership:
-/// - Storing never takes ownership. The archive keeps every stored object that is held by a
-///   counted handle alive until the archive is destroyed, so that the address which identifies
-///   it cannot be reused by another object during the pass; any other object passed to the
-///   archive must outlive the archive.
+/// - Storing never takes ownership. A counted object is identified by its address for the whole
+///   pass, so the archive keeps every stored object that a counted handle holds alive until the
+///   archive is destroyed; a counted object that no handle holds must outlive the archive. An
+///   object without a count need only live while it is being stored.
 /// - Loading: the archive holds a counted reference to every counted object (xcRepBase) that it
 ///   creates and drops it when the archive is destroyed. Objects that no handle adopted (a
 ///   referent of the wrong class, or the objects of a load that failed halfway) are deleted then.
@@ -333,9 +333,10 @@ void transferHandle(xcArchive& ar, Handle& h) {
 }  // namespace xn_archive_detail
 
 /// The vector record: a format byte (0), the element count as unsigned long, then each element
-/// through its archive operator. Loading replaces the contents of `v`: it checks the count
-/// against the bytes left, resizes `v` to the count and reads the elements in order. A format
-/// byte other than 0 throws xcArchive::UnknownVersion with an empty source and line 0.
+/// through its archive operator. Loading replaces the contents of `v` with `count` elements
+/// read in order, after checking the count against the bytes left (CountTooLarge). A format
+/// byte other than 0 throws xcArchive::UnknownVersion with an empty source and line 0. A load
+/// that throws leaves `v` holding the elements read so far.
 ///
 /// Memory: points are plain data, read at once into a vector of the checked count. Other
 /// elements may hold objects whose records nest further vectors, so the vector grows as its

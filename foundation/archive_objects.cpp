@@ -19,6 +19,8 @@ namespace {
 constexpr unsigned char kNullTag = 0;
 constexpr unsigned char kObjectTag = 1;
 constexpr unsigned char kReferenceTag = 2;
+// Back-references carry 32-bit object numbers.
+constexpr std::size_t kMaxObjectId = 0xFFFFFFFFu;
 
 std::wstring classOf(const xcPersistent& object) {
     return widen(xc_Instantiator::stableName(typeid(object)));
@@ -107,6 +109,8 @@ int storeObject(xcArchive& ar, State& st, const xcPersistent& object, const xcRe
     ar || tag;
     transferClassName(ar, name);
     if (counted) {
+        if (st.stored.size() > kMaxObjectId)
+            throw xcArchive::ValueOutOfRange(L"too many objects for one archive");
         const auto id = static_cast<std::uint32_t>(st.stored.size());
         st.stored.emplace(key, StoredObject{id, false, 0});
         // Keep a shared object alive while its address identifies it in this archive.
@@ -167,6 +171,7 @@ xcPersistent* loadCreated(xcArchive& ar, State& st, std::unique_ptr<xcPersistent
     if (!counted) {
         fresh->dispatchSerialize(ar);
         fresh->reInit();
+        record.depth();  // may throw: the object is still ours to delete
         record.forgetMarks();
         return fresh.release();
     }

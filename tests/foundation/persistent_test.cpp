@@ -78,6 +78,25 @@ class Other : public virtual xcPersistent, public virtual xcRepBase {
 };
 int Other::live = 0;
 
+// A persistent class without a count that refers to a node.
+class Carrier : public virtual xcPersistent {
+  public:
+    static int live;
+    xcPtrHandle_const<Node> node;
+    Carrier() { ++live; }
+    Carrier(const Carrier&) = delete;
+    ~Carrier() override { --live; }
+    void dispatchSerialize(xcArchive& ar) override {
+        dispatchPart(ar, this, 0, [&](unsigned char version) {
+            checkVersion(version, 0, "persistent_test::Carrier", 0);
+            xcPersistent::dispatchSerialize(ar);
+            ar || node;
+        });
+    }
+    static xcPersistent* make() { return new Carrier(); }
+};
+int Carrier::live = 0;
+
 // A class template, to check the registered name of an instantiation.
 template <class T>
 class Box : public virtual xcPersistent, public virtual xcRepBase {
@@ -124,12 +143,14 @@ class Bottom : public Left, public Right {
 const xc_Instantiator kFault(typeid(Fault), &Fault::make);
 const xc_Instantiator kNode(typeid(Node), &Node::make);
 const xc_Instantiator kOther(typeid(Other), &Other::make);
+const xc_Instantiator kCarrier(typeid(Carrier), &Carrier::make);
 const xc_Instantiator kBox(typeid(Box<Node>), &Box<Node>::make);
 
 }  // namespace persistent_test
 
 namespace {
 
+using persistent_test::Carrier;
 using persistent_test::Fault;
 using persistent_test::Node;
 using persistent_test::Other;
@@ -146,11 +167,12 @@ constexpr long kLastArchiveError = xnErrorNumber::ArchiveUnregisteredClass;
 // Every test starts and must end without live test objects.
 class Persistence : public ::testing::Test {
   protected:
-    void SetUp() override { ASSERT_EQ(Node::live + Other::live + Fault::live, 0); }
+    void SetUp() override { ASSERT_EQ(Node::live + Other::live + Fault::live + Carrier::live, 0); }
     void TearDown() override {
         EXPECT_EQ(Node::live, 0);
         EXPECT_EQ(Other::live, 0);
         EXPECT_EQ(Fault::live, 0);
+        EXPECT_EQ(Carrier::live, 0);
     }
 };
 
@@ -294,23 +316,21 @@ TEST(Instantiator, StableNamesAreDemangledAndCompact) {
 }
 
 TEST(Instantiator, StableNameFromAnyCompilersSpelling) {
-    EXPECT_EQ(xc_Instantiator::stableNameFrom("class xcContourT<class xcEdgelet>"),
-              "xcContourT<xcEdgelet>");
-    EXPECT_EQ(xc_Instantiator::stableNameFrom("xcContourT<xcEdgelet>"), "xcContourT<xcEdgelet>");
-    EXPECT_EQ(xc_Instantiator::stableNameFrom("class xcContourDefs::EmptyContour"),
-              "xcContourDefs::EmptyContour");
-    EXPECT_EQ(xc_Instantiator::stableNameFrom("struct A<struct B<int> >"), "A<B<int>>");
-    EXPECT_EQ(xc_Instantiator::stableNameFrom("A<B<int> >"), "A<B<int>>");
-    EXPECT_EQ(xc_Instantiator::stableNameFrom("Pair<int, unsigned long>"),
-              "Pair<int,unsigned long>");
-    EXPECT_EQ(xc_Instantiator::stableNameFrom("class Pair<int,unsigned long>"),
-              "Pair<int,unsigned long>");
-    EXPECT_EQ(xc_Instantiator::stableNameFrom("class Subclass"), "Subclass");
-    EXPECT_EQ(xc_Instantiator::stableNameFrom("enum E"), "E");
-    EXPECT_EQ(xc_Instantiator::stableNameFrom("class `anonymous namespace'::Foo"),
-              "(anonymous namespace)::Foo");
-    EXPECT_EQ(xc_Instantiator::stableNameFrom("(anonymous namespace)::Foo"),
-              "(anonymous namespace)::Foo");
+    const std::pair<const char*, const char*> cases[] = {
+        {"class xcContourT<class xcEdgelet>", "xcContourT<xcEdgelet>"},
+        {"xcContourT<xcEdgelet>", "xcContourT<xcEdgelet>"},
+        {"class xcContourDefs::EmptyContour", "xcContourDefs::EmptyContour"},
+        {"struct A<struct B<int> >", "A<B<int>>"},
+        {"A<B<int> >", "A<B<int>>"},
+        {"Pair<int, unsigned long>", "Pair<int,unsigned long>"},
+        {"class Pair<int,unsigned long>", "Pair<int,unsigned long>"},
+        {"class Subclass", "Subclass"},
+        {"enum E", "E"},
+        {"class `anonymous namespace'::Foo", "(anonymous namespace)::Foo"},
+        {"(anonymous namespace)::Foo", "(anonymous namespace)::Foo"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(xc_Instantiator::stableNameFrom(c.first), c.second) << c.first;
 }
 
 TEST(Instantiator, LookupFindsRegisteredClasses) {
@@ -818,6 +838,21 @@ TEST_F(Persistence, StoringAChainOfBackReferencesBeyondTheLimitThrows) {
     NodeHandle root = referenceChain(xcArchive::kMaxObjectDepth);
     xcMemoryArchive ar;
     EXPECT_THROW(ar || root, xcArchive::BadData);
+}
+
+TEST_F(Persistence, ObjectWithoutACountAtTheEndOfAChainTooLongIsDeleted) {
+    // The root of referenceChain(limit - 1) has the greatest depth allowed; a carrier that
+    // refers to it would be one deeper.
+    Bytes bytes = store(referenceChain(xcArchive::kMaxObjectDepth - 1));
+    const Bytes carrier =
+        wire::Bytes().object("persistent_test::Carrier").u8(0).u8(0).ref(0).data();
+    bytes.insert(bytes.end(), carrier.begin(), carrier.end());
+    xcMemoryArchive ar(bytes);
+    NodeHandle root;
+    ar || root;
+    std::unique_ptr<Carrier> c;
+    EXPECT_THROW(ar || c, xcArchive::BadData);
+    EXPECT_EQ(Carrier::live, 0);
 }
 
 TEST_F(Persistence, LoadingAHandMadeChainOfBackReferencesBeyondTheLimitThrows) {
