@@ -1,137 +1,144 @@
-#include <climits>
-#include <cstdio>
+// The archive's errors, its header and the transfer of plain values.
 #include <cstring>
 #include <limits>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
+#include <type_traits>
 
 #include <foundation/archive.h>
+#include <foundation/archive_state.h>
+
+using xn_archive_detail::widen;
 
 namespace {
 
-// Wire tags of the pointer record.
-constexpr unsigned char kNullTag = 0;
-constexpr unsigned char kObjectTag = 1;
-constexpr unsigned char kReferenceTag = 2;
-// Longest class name accepted when loading.
-constexpr std::uint32_t kMaxClassName = 1024;
-
 constexpr bool kLittleEndianHost = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
+// The widest count a 32-bit field holds.
+constexpr std::uint64_t kMaxWireCount = 0xFFFFFFFFull;
+// The largest Unicode scalar value, and the surrogate block that holds no scalar values.
+constexpr std::uint32_t kMaxCodePoint = 0x10FFFF;
+constexpr std::uint32_t kFirstSurrogate = 0xD800;
+constexpr std::uint32_t kFirstLowSurrogate = 0xDC00;
+constexpr std::uint32_t kLastSurrogate = 0xDFFF;
 
 void putLE(unsigned char* out, std::uint64_t v, int bytes) {
-    for (int i = 0; i < bytes; ++i) out[i] = static_cast<unsigned char>(v >> (8 * i));
+    for (int i = 0; i < bytes; ++i)
+        out[i] = static_cast<unsigned char>(v >> (8 * i));
 }
 
 std::uint64_t getLE(const unsigned char* in, int bytes) {
     std::uint64_t v = 0;
-    for (int i = 0; i < bytes; ++i) v |= static_cast<std::uint64_t>(in[i]) << (8 * i);
+    for (int i = 0; i < bytes; ++i)
+        v |= static_cast<std::uint64_t>(in[i]) << (8 * i);
     return v;
 }
 
-std::wstring widen(const std::string& s) { return std::wstring(s.begin(), s.end()); }
+// Writes `v` (storing) or reads a value (loading) as `Bytes` little-endian bytes.
+template <int Bytes>
+std::uint64_t transferLE(xcArchive& ar, std::uint64_t v) {
+    unsigned char buf[Bytes];
+    if (ar.isStoring())
+        putLE(buf, v, Bytes);
+    ar.transferBytes(buf, Bytes);
+    return getLE(buf, Bytes);
+}
+
+bool isSurrogate(std::uint32_t c) {
+    return c >= kFirstSurrogate && c <= kLastSurrogate;
+}
+
+void appendCodePoint(std::wstring& out, std::uint32_t c) {
+    if (sizeof(wchar_t) == 2 && c > 0xFFFF) {
+        c -= 0x10000;
+        out += static_cast<wchar_t>(kFirstSurrogate + (c >> 10));
+        out += static_cast<wchar_t>(kFirstLowSurrogate + (c & 0x3FF));
+    } else {
+        out += static_cast<wchar_t>(c);
+    }
+}
 
 // Strict UTF-8 decoding: overlong forms, surrogates and values above U+10FFFF are refused.
 std::wstring decodeUtf8(const std::string& bytes) {
+    const auto bad = [](std::size_t at) {
+        return xcArchive::BadData(L"invalid UTF-8 in archive string at byte " +
+                                  std::to_wstring(at));
+    };
     std::wstring out;
     std::size_t i = 0;
-    const auto bad = [] { return xcArchive::BadData(L"invalid UTF-8 in archive string"); };
     while (i < bytes.size()) {
         const unsigned char b0 = static_cast<unsigned char>(bytes[i]);
         int extra = 0;
-        std::uint32_t c = 0;
+        std::uint32_t c = b0;
         std::uint32_t minValue = 0;
-        if (b0 < 0x80) {
-            c = b0;
-        } else if ((b0 & 0xE0) == 0xC0) {
-            extra = 1, c = b0 & 0x1F, minValue = 0x80;
-        } else if ((b0 & 0xF0) == 0xE0) {
-            extra = 2, c = b0 & 0x0F, minValue = 0x800;
-        } else if ((b0 & 0xF8) == 0xF0) {
-            extra = 3, c = b0 & 0x07, minValue = 0x10000;
-        } else {
-            throw bad();
+        if (b0 >= 0x80) {
+            if ((b0 & 0xE0) == 0xC0) {
+                extra = 1, c = b0 & 0x1F, minValue = 0x80;
+            } else if ((b0 & 0xF0) == 0xE0) {
+                extra = 2, c = b0 & 0x0F, minValue = 0x800;
+            } else if ((b0 & 0xF8) == 0xF0) {
+                extra = 3, c = b0 & 0x07, minValue = 0x10000;
+            } else {
+                throw bad(i);
+            }
         }
-        if (extra > 0 && i + extra >= bytes.size()) throw bad();
+        if (static_cast<std::size_t>(extra) >= bytes.size() - i)
+            throw bad(i);
         for (int k = 1; k <= extra; ++k) {
             const unsigned char b = static_cast<unsigned char>(bytes[i + k]);
-            if ((b & 0xC0) != 0x80) throw bad();
+            if ((b & 0xC0) != 0x80)
+                throw bad(i);
             c = (c << 6) | (b & 0x3F);
         }
-        if (c < minValue || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF)) throw bad();
-        if (sizeof(wchar_t) == 2 && c >= 0x10000) {
-            c -= 0x10000;
-            out += static_cast<wchar_t>(0xD800 + (c >> 10));
-            out += static_cast<wchar_t>(0xDC00 + (c & 0x3FF));
-        } else {
-            out += static_cast<wchar_t>(c);
-        }
+        if (c < minValue || c > kMaxCodePoint || isSurrogate(c))
+            throw bad(i);
+        appendCodePoint(out, c);
         i += 1 + extra;
     }
     return out;
 }
 
-struct PairHash {
-    std::size_t operator()(const std::pair<const void*, std::size_t>& k) const {
-        return std::hash<const void*>()(k.first) ^ (std::hash<std::size_t>()(k.second) * 0x9E3779B97F4A7C15ull);
-    }
-};
-
-}  // namespace
-
-struct xcArchive::State {
-    std::unordered_set<std::pair<const void*, std::size_t>, PairHash> visited;
-    int depth = 0;
-
-    // Storing: id of every object written, keyed by its most-derived address.
-    std::unordered_map<const void*, std::uint32_t> storedIds;
-    std::vector<const xcRepBase*> heldWhileStoring;
-
-    // Loading: every object created, in id order.
-    struct Loaded {
-        xcPersistent* object;
-        const xcRepBase* counted;  // null for objects without a count
-        bool complete;
-        bool handedOut;
-    };
-    std::vector<Loaded> loaded;
-
-    ~State() {
-        for (const xcRepBase* r : heldWhileStoring) r->release();
-        for (Loaded& l : loaded) {
-            if (l.counted)
-                l.counted->release();
-            else if (!l.handedOut)
-                delete l.object;
+// Refuses a wide string that UTF-8 cannot carry unchanged: a value above U+10FFFF or a
+// surrogate (with 16-bit wchar_t, a surrogate that is not part of a pair).
+void checkScalarValues(const std::wstring& s) {
+    for (std::size_t i = 0; i < s.size(); ++i) {
+        const auto c =
+            static_cast<std::uint32_t>(static_cast<std::make_unsigned<wchar_t>::type>(s[i]));
+        bool ok = c <= kMaxCodePoint && !isSurrogate(c);
+        if (sizeof(wchar_t) == 2 && c >= kFirstSurrogate && c < kFirstLowSurrogate &&
+            i + 1 < s.size()) {
+            const auto lo = static_cast<std::uint32_t>(
+                static_cast<std::make_unsigned<wchar_t>::type>(s[i + 1]));
+            if (lo >= kFirstLowSurrogate && lo <= kLastSurrogate) {
+                ok = true;
+                ++i;
+            }
         }
+        if (!ok)
+            throw xcArchive::ValueOutOfRange(
+                L"wide string holds a value that is not a Unicode scalar value at index " +
+                std::to_wstring(i));
     }
-};
+}
 
-namespace {
-// Bounds the nesting of pointer records so that hostile data cannot exhaust the stack.
-class NestingGuard {
-public:
-    explicit NestingGuard(int& depth) : depth_(depth) {
-        if (depth_ >= xcArchive::kMaxNesting) throw xcArchive::BadData(L"archive objects nested too deeply");
-        ++depth_;
-    }
-    ~NestingGuard() { --depth_; }
-    NestingGuard(const NestingGuard&) = delete;
-    NestingGuard& operator=(const NestingGuard&) = delete;
-
-private:
-    int& depth_;
-};
 }  // namespace
 
 // ---- errors ----
 
 xcArchive::UnknownVersion::UnknownVersion() : xcExceptionT(L"unknown record version") {}
 xcArchive::UnknownVersion::UnknownVersion(const std::string& source, long line)
-    : xcExceptionT(L"unknown record version (" + widen(source) + L", " + std::to_wstring(line) + L")"),
+    : xcExceptionT(L"unknown record version (" + widen(source) + L", " + std::to_wstring(line) +
+                   L")"),
       source_(source),
       line_(line) {}
 xcArchive::UnknownVersion::~UnknownVersion() = default;
+
+void xcArchive::UnknownVersion::dispatchSerialize(xcArchive& ar) {
+    dispatchPart(ar, this, 0, [&](unsigned char version) {
+        checkVersion(version, 0, "xcArchive::UnknownVersion", 0);
+        xcExceptionWithString::dispatchSerialize(ar);
+        ar || source_ || line_;
+    });
+}
+
 xcArchive::BadFormat::BadFormat(const std::wstring& m) : xcExceptionT(m) {}
 xcArchive::BadFormat::~BadFormat() = default;
 xcArchive::Truncated::Truncated(const std::wstring& m) : xcExceptionT(m) {}
@@ -151,11 +158,31 @@ xcArchive::BadData::~BadData() = default;
 xcArchive::UnregisteredClass::UnregisteredClass(const std::wstring& m) : xcExceptionT(m) {}
 xcArchive::UnregisteredClass::~UnregisteredClass() = default;
 
+namespace {
+// The archive errors can themselves be stored (an application may pass them on).
+const xc_Instantiator kUnknownVersionClass(typeid(xcArchive::UnknownVersion),
+                                           &xcArchive::UnknownVersion::make);
+const xc_Instantiator kBadFormatClass(typeid(xcArchive::BadFormat), &xcArchive::BadFormat::make);
+const xc_Instantiator kTruncatedClass(typeid(xcArchive::Truncated), &xcArchive::Truncated::make);
+const xc_Instantiator kUnknownClassClass(typeid(xcArchive::UnknownClass),
+                                         &xcArchive::UnknownClass::make);
+const xc_Instantiator kBadReferenceClass(typeid(xcArchive::BadReference),
+                                         &xcArchive::BadReference::make);
+const xc_Instantiator kCountTooLargeClass(typeid(xcArchive::CountTooLarge),
+                                          &xcArchive::CountTooLarge::make);
+const xc_Instantiator kFileErrorClass(typeid(xcArchive::FileError), &xcArchive::FileError::make);
+const xc_Instantiator kValueOutOfRangeClass(typeid(xcArchive::ValueOutOfRange),
+                                            &xcArchive::ValueOutOfRange::make);
+const xc_Instantiator kBadDataClass(typeid(xcArchive::BadData), &xcArchive::BadData::make);
+const xc_Instantiator kUnregisteredClassClass(typeid(xcArchive::UnregisteredClass),
+                                              &xcArchive::UnregisteredClass::make);
+}  // namespace
+
 // ---- the archive ----
 
 constexpr char xcArchive::kMagic[4];
 
-xcArchive::xcArchive(bool loading) : loading_(loading), state_(new State) {}
+xcArchive::xcArchive(bool loading) : loading_(loading), state_(new xn_archive_detail::State) {}
 xcArchive::~xcArchive() = default;
 
 void xcArchive::writeHeader() {
@@ -167,7 +194,8 @@ void xcArchive::writeHeader() {
 void xcArchive::readHeader() {
     char magic[sizeof kMagic];
     transferBytes(magic, sizeof magic);
-    if (std::memcmp(magic, kMagic, sizeof kMagic) != 0) throw BadFormat(L"not an archive: bad magic number");
+    if (std::memcmp(magic, kMagic, sizeof kMagic) != 0)
+        throw BadFormat(L"not an archive: bad magic number");
     unsigned long version = 0;
     *this || version;
     if (version != kFormatVersion)
@@ -175,7 +203,8 @@ void xcArchive::readHeader() {
 }
 
 void xcArchive::transferBytes(void* data, std::size_t n) {
-    if (n == 0) return;
+    if (n == 0)
+        return;
     if (loading_)
         readRaw(data, n);
     else
@@ -183,21 +212,12 @@ void xcArchive::transferBytes(void* data, std::size_t n) {
 }
 
 void xcArchive::checkCount(std::uint64_t count, std::size_t minElementBytes) const {
-    if (!loading_ || minElementBytes == 0) return;
+    if (!loading_ || minElementBytes == 0)
+        return;
     if (count > bytesLeft() / minElementBytes)
         throw CountTooLarge(L"element count " + std::to_wstring(count) + L" exceeds the " +
                             std::to_wstring(bytesLeft()) + L" bytes left in the archive");
 }
-
-namespace {
-template <int Bytes>
-std::uint64_t transferLE(xcArchive& ar, std::uint64_t v) {
-    unsigned char buf[Bytes];
-    if (ar.isStoring()) putLE(buf, v, Bytes);
-    ar.transferBytes(buf, Bytes);
-    return getLE(buf, Bytes);
-}
-}  // namespace
 
 xcArchive& xcArchive::operator||(unsigned char& v) {
     transferBytes(&v, 1);
@@ -207,31 +227,35 @@ xcArchive& xcArchive::operator||(unsigned char& v) {
 xcArchive& xcArchive::operator||(bool& v) {
     unsigned char b = v ? 1 : 0;
     transferBytes(&b, 1);
-    if (b > 1) throw BadData(L"invalid bool in archive");
+    if (b > 1)
+        throw BadData(L"invalid bool " + std::to_wstring(b) + L" in archive");
     v = b == 1;
     return *this;
 }
 
 xcArchive& xcArchive::operator||(unsigned long& v) {
-    if (isStoring() && static_cast<unsigned long long>(v) > 0xFFFFFFFFull)
+    if (isStoring() && static_cast<std::uint64_t>(v) > kMaxWireCount)
         throw ValueOutOfRange(L"unsigned value " + std::to_wstring(v) + L" does not fit 32 bits");
     v = static_cast<unsigned long>(transferLE<4>(*this, v));
     return *this;
 }
 
 xcArchive& xcArchive::operator||(long& v) {
-    if (isStoring() && (v < -2147483648L || v > 2147483647L))
+    constexpr long kMin = std::numeric_limits<std::int32_t>::min();
+    constexpr long kMax = std::numeric_limits<std::int32_t>::max();
+    if (isStoring() && (v < kMin || v > kMax))
         throw ValueOutOfRange(L"signed value " + std::to_wstring(v) + L" does not fit 32 bits");
-    const std::uint32_t bits = static_cast<std::uint32_t>(transferLE<4>(*this, static_cast<std::uint32_t>(v)));
+    const auto bits =
+        static_cast<std::uint32_t>(transferLE<4>(*this, static_cast<std::uint32_t>(v)));
     v = static_cast<long>(static_cast<std::int32_t>(bits));
     return *this;
 }
 
 xcArchive& xcArchive::operator||(double& v) {
     std::uint64_t bits;
-    std::memcpy(&bits, &v, 8);
+    std::memcpy(&bits, &v, sizeof bits);
     bits = transferLE<8>(*this, bits);
-    std::memcpy(&v, &bits, 8);
+    std::memcpy(&v, &bits, sizeof bits);
     return *this;
 }
 
@@ -245,206 +269,59 @@ xcArchive& xcArchive::operator||(xcEdgelet& e) {
     const auto mag = static_cast<std::uint16_t>(transferLE<2>(*this, e.magnitude()));
     unsigned char step = e.angle().raw();
     *this || step;
-    if (loading_) e = xcEdgelet(pos, mag, xcAngle8(static_cast<int>(step)));
+    if (loading_)
+        e = xcEdgelet(pos, mag, xcAngle8(static_cast<int>(step)));
+    return *this;
+}
+
+xcArchive& xcArchive::operator||(std::string& s) {
+    const std::size_t n = xn_archive_detail::transferCount(*this, s.size(), 1);
+    if (loading_)
+        s.assign(n, '\0');
+    transferBytes(s.empty() ? nullptr : &s[0], s.size());
     return *this;
 }
 
 xcArchive& xcArchive::operator||(std::wstring& s) {
     std::string bytes;
-    if (isStoring()) bytes = xfToUtf8(s);
-    if (bytes.size() > 0xFFFFFFFFull) throw ValueOutOfRange(L"string too long for an archive");
-    unsigned long n = static_cast<unsigned long>(bytes.size());
-    *this || n;
-    if (loading_) {
-        checkCount(n, 1);
-        bytes.resize(n);
+    if (isStoring()) {
+        checkScalarValues(s);
+        bytes = xfToUtf8(s);
     }
-    transferBytes(bytes.empty() ? nullptr : &bytes[0], bytes.size());
-    if (loading_) s = decodeUtf8(bytes);
+    *this || bytes;
+    if (loading_)
+        s = decodeUtf8(bytes);
     return *this;
 }
 
-void xfSerializeVectorBody(xcArchive& ar, std::vector<xcVector<2>>& v) {
-    if (v.empty()) return;
-    if (kLittleEndianHost && sizeof(xcVector<2>) == 16) {
+// ---- the vector record ----
+
+std::size_t xn_archive_detail::transferCount(xcArchive& ar, std::size_t count,
+                                             std::size_t minElementBytes) {
+    if (ar.isStoring() && count > kMaxWireCount)
+        throw xcArchive::ValueOutOfRange(L"count " + std::to_wstring(count) +
+                                         L" does not fit 32 bits");
+    unsigned long wire = static_cast<unsigned long>(count);
+    ar || wire;
+    ar.checkCount(wire, minElementBytes);
+    return wire;
+}
+
+std::size_t xn_archive_detail::transferVectorHeader(xcArchive& ar, std::size_t count,
+                                                    std::size_t minElementBytes) {
+    unsigned char format = 0;
+    ar || format;
+    if (format != 0)
+        throw xcArchive::UnknownVersion(std::string(), 0);
+    return transferCount(ar, count, minElementBytes);
+}
+
+void xn_archive_detail::transferPoints(xcArchive& ar, std::vector<xcVector<2>>& v) {
+    static_assert(std::is_trivially_copyable<xcVector<2>>::value, "points are copied as bytes");
+    if (kLittleEndianHost && sizeof(xcVector<2>) == 2 * sizeof(double)) {
         ar.transferBytes(v.data(), v.size() * sizeof(xcVector<2>));
     } else {
-        for (auto& p : v) ar || p;
+        for (auto& p : v)
+            ar || p;
     }
-}
-
-// ---- visit marks and pointer records ----
-
-bool xcPersistent::haveVisited(xcArchive& ar, const void* address, std::size_t size) {
-    return ar.state_->visited.count({address, size}) != 0;
-}
-
-void xcPersistent::setVisited(xcArchive& ar, const void* address, std::size_t size) {
-    ar.state_->visited.insert({address, size});
-}
-
-void xcPersistent::serializePointer(xcArchive& ar, const xcPersistent* object, xcPersistent*& pointer) {
-    xcArchive::State& st = *ar.state_;
-    if (ar.isStoring()) {
-        unsigned char tag = kNullTag;
-        if (!object) {
-            ar || tag;
-            return;
-        }
-        const void* key = dynamic_cast<const void*>(object);
-        const auto found = st.storedIds.find(key);
-        if (found != st.storedIds.end()) {
-            tag = kReferenceTag;
-            unsigned long id = found->second;
-            ar || tag || id;
-            return;
-        }
-        const std::string name = xc_Instantiator::registeredName(typeid(*object));
-        if (name.empty())
-            throw xcArchive::UnregisteredClass(L"class " + widen(xc_Instantiator::stableName(typeid(*object))) +
-                                               L" is not registered for archives");
-        NestingGuard guard(st.depth);
-        tag = kObjectTag;
-        unsigned long length = static_cast<unsigned long>(name.size());
-        ar || tag || length;
-        ar.transferBytes(const_cast<char*>(name.data()), name.size());
-        st.storedIds.emplace(key, static_cast<std::uint32_t>(st.storedIds.size()));
-        // Keep shared objects alive while the archive may still refer to their address.
-        if (const xcRepBase* counted = dynamic_cast<const xcRepBase*>(object)) {
-            if (counted->refCount() > 0) {
-                counted->addRef();
-                st.heldWhileStoring.push_back(counted);
-            }
-        }
-        const_cast<xcPersistent*>(object)->dispatchSerialize(ar);
-        return;
-    }
-
-    pointer = nullptr;
-    unsigned char tag = 0;
-    ar || tag;
-    if (tag == kNullTag) return;
-    if (tag == kReferenceTag) {
-        unsigned long id = 0;
-        ar || id;
-        if (id >= st.loaded.size())
-            throw xcArchive::BadReference(L"reference to object " + std::to_wstring(id) + L" of " +
-                                          std::to_wstring(st.loaded.size()) + L" loaded");
-        const xcArchive::State::Loaded& l = st.loaded[id];
-        if (!l.complete) throw xcArchive::BadReference(L"reference to an object still being loaded");
-        if (!l.counted) throw xcArchive::BadReference(L"second reference to an object without a count");
-        pointer = l.object;
-        return;
-    }
-    if (tag != kObjectTag) throw xcArchive::BadData(L"invalid pointer tag " + std::to_wstring(tag));
-
-    NestingGuard guard(st.depth);
-    unsigned long length = 0;
-    ar || length;
-    if (length == 0 || length > kMaxClassName) throw xcArchive::BadData(L"invalid class name length");
-    ar.checkCount(length, 1);
-    std::string name(length, '\0');
-    ar.transferBytes(&name[0], length);
-    const xc_Instantiator::MakeFunction make = xc_Instantiator::lookup(name);
-    if (!make) throw xcArchive::UnknownClass(L"unknown class \"" + widen(name) + L"\" in archive");
-
-    xcPersistent* created = make();
-    const xcRepBase* counted = dynamic_cast<const xcRepBase*>(created);
-    if (counted) counted->addRef();
-    st.loaded.push_back({created, counted, false, false});
-    const std::size_t index = st.loaded.size() - 1;
-    created->dispatchSerialize(ar);
-    created->reInit();
-    st.loaded[index].complete = true;
-    st.loaded[index].handedOut = counted == nullptr;
-    pointer = created;
-}
-
-// ---- memory archive ----
-
-xcMemoryArchive::xcMemoryArchive() : xcArchive(false) { writeHeader(); }
-
-xcMemoryArchive::xcMemoryArchive(const std::vector<unsigned char>& bytes)
-    : xcArchive(true), copy_(bytes), in_(copy_.data()), size_(copy_.size()) {
-    readHeader();
-}
-
-xcMemoryArchive::xcMemoryArchive(const unsigned char* data, std::size_t size)
-    : xcArchive(true), in_(data), size_(data ? size : 0) {
-    readHeader();
-}
-
-xcMemoryArchive::~xcMemoryArchive() = default;
-
-std::uint64_t xcMemoryArchive::bytesLeft() const {
-    return isLoading() ? size_ - pos_ : std::numeric_limits<std::uint64_t>::max();
-}
-
-void xcMemoryArchive::writeRaw(const void* data, std::size_t n) {
-    const unsigned char* p = static_cast<const unsigned char*>(data);
-    out_.insert(out_.end(), p, p + n);
-}
-
-void xcMemoryArchive::readRaw(void* data, std::size_t n) {
-    if (n > size_ - pos_) throw Truncated();
-    std::memcpy(data, in_ + pos_, n);
-    pos_ += n;
-}
-
-// ---- file archive ----
-
-struct xcFileArchive::File {
-    std::FILE* f = nullptr;
-    std::uint64_t size = 0;
-    std::uint64_t pos = 0;
-    ~File() {
-        if (f) std::fclose(f);
-    }
-};
-
-namespace {
-std::wstring pathMessage(const char* what, const std::string& path) {
-    return widen(what) + L" \"" + widen(path) + L"\"";
-}
-}  // namespace
-
-xcFileArchive::xcFileArchive(const std::string& path, Direction direction)
-    : xcArchive(direction == load), path_(path), file_(new File) {
-    file_->f = std::fopen(path.c_str(), direction == load ? "rb" : "wb");
-    if (!file_->f) throw FileError(pathMessage(direction == load ? "cannot open" : "cannot create", path));
-    if (direction == load) {
-        if (std::fseek(file_->f, 0, SEEK_END) != 0) throw FileError(pathMessage("cannot read", path));
-        const long end = std::ftell(file_->f);
-        if (end < 0 || std::fseek(file_->f, 0, SEEK_SET) != 0) throw FileError(pathMessage("cannot read", path));
-        file_->size = static_cast<std::uint64_t>(end);
-        readHeader();
-    } else {
-        writeHeader();
-    }
-}
-
-xcFileArchive::~xcFileArchive() = default;
-
-void xcFileArchive::close() {
-    if (!file_->f) return;
-    const bool failed = (isStoring() && std::fflush(file_->f) != 0) || std::ferror(file_->f);
-    const bool closeFailed = std::fclose(file_->f) != 0;
-    file_->f = nullptr;
-    if (failed || closeFailed) throw FileError(pathMessage("cannot write", path_));
-}
-
-std::uint64_t xcFileArchive::bytesLeft() const {
-    return isLoading() ? file_->size - file_->pos : std::numeric_limits<std::uint64_t>::max();
-}
-
-void xcFileArchive::writeRaw(const void* data, std::size_t n) {
-    if (!file_->f || std::fwrite(data, 1, n, file_->f) != n) throw FileError(pathMessage("cannot write", path_));
-    file_->pos += n;
-}
-
-void xcFileArchive::readRaw(void* data, std::size_t n) {
-    if (!file_->f) throw FileError(pathMessage("cannot read closed file", path_));
-    if (n > file_->size - file_->pos) throw Truncated(pathMessage("archive data ends early in", path_));
-    if (std::fread(data, 1, n, file_->f) != n) throw FileError(pathMessage("cannot read", path_));
-    file_->pos += n;
 }

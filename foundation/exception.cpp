@@ -38,13 +38,10 @@ const char* xcException::what() const noexcept {
 }
 
 void xcException::dispatchSerialize(xcArchive& ar) {
-    const xcException* self = this;
-    if (haveVisited(ar, self, sizeof(xcException))) return;
-    unsigned char version = 0;
-    ar || version;
-    if (version != 0) throw xcArchive::UnknownVersion("xcException", 0);
-    xcPersistent::dispatchSerialize(ar);
-    setVisited(ar, self, sizeof(xcException));
+    dispatchPart(ar, this, 0, [&](unsigned char version) {
+        checkVersion(version, 0, "xcException", 0);
+        xcPersistent::dispatchSerialize(ar);
+    });
 }
 
 xcExceptionWithString::xcExceptionWithString(const std::wstring& message) : message_text_(message) {}
@@ -60,14 +57,11 @@ xcExceptionWithString::~xcExceptionWithString() = default;
 void xcExceptionWithString::message_(std::wostream& os) const { os << message_text_; }
 
 void xcExceptionWithString::dispatchSerialize(xcArchive& ar) {
-    const xcExceptionWithString* self = this;
-    if (haveVisited(ar, self, sizeof(xcExceptionWithString))) return;
-    unsigned char version = 0;
-    ar || version;
-    if (version != 0) throw xcArchive::UnknownVersion("xcExceptionWithString", 0);
-    xcException::dispatchSerialize(ar);
-    ar || message_text_;
-    setVisited(ar, self, sizeof(xcExceptionWithString));
+    dispatchPart(ar, this, 0, [&](unsigned char version) {
+        checkVersion(version, 0, "xcExceptionWithString", 0);
+        xcException::dispatchSerialize(ar);
+        ar || message_text_;
+    });
 }
 
 xcMathError::Singular::Singular(const std::wstring& message) : xcExceptionT(message) {}
@@ -76,6 +70,15 @@ xcMathError::NotFinite::NotFinite(const std::wstring& message) : xcExceptionT(me
 xcMathError::NotFinite::~NotFinite() = default;
 xcPel::BadWindow::BadWindow(const std::wstring& message) : xcExceptionT(message) {}
 xcPel::BadWindow::~BadWindow() = default;
+
+namespace {
+// The foundation's exceptions can be stored in archives like any persistent object.
+const xc_Instantiator kSingularClass(typeid(xcMathError::Singular),
+                                    &xcMathError::Singular::make);
+const xc_Instantiator kNotFiniteClass(typeid(xcMathError::NotFinite),
+                                      &xcMathError::NotFinite::make);
+const xc_Instantiator kBadWindowClass(typeid(xcPel::BadWindow), &xcPel::BadWindow::make);
+}  // namespace
 
 namespace {
 void defaultAssertHandler(const char* file, int line) {

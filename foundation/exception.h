@@ -78,10 +78,12 @@ constexpr long ArchiveBadData = 0x10001309;
 constexpr long ArchiveUnregisteredClass = 0x1000130A;
 }  // namespace xnErrorNumber
 
-/// Implements errorNumber() and suicideAndRethrow() of a concrete exception class Self.
+/// Implements errorNumber(), suicideAndRethrow() and a factory of a concrete exception class Self.
 template <class Self, long Number, class Base = xcExceptionWithString>
 class xcExceptionT : public Base {
 public:
+    /// A new Self in its default state, for registering the class with xc_Instantiator.
+    static xcPersistent* make() { return new Self(); }
     long errorNumber() const override { return Number; }
     void suicideAndRethrow() override {
         Self copy(static_cast<Self&>(*this));
