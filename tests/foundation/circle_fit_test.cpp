@@ -185,6 +185,7 @@ TEST(CircleFit, NaNMaxRmsThrowsNotFinite) {
 }
 
 TEST(CircleFit, UnsupportedModeIsDegenerate) {
+    // 1 is the only other value the enumeration can hold (its range is that of one bit).
     const xcCircleFitParams params(static_cast<xcCircleFitDefs::fit_mode>(1), 1.0, 0, kInf);
     expectFitThrows<xcFitError::Degenerate>(circleSamples({0.0, 0.0}, 1.0, 6), params,
                                             xnErrorNumber::FitDegenerate,

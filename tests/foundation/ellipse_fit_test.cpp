@@ -360,11 +360,12 @@ TEST(EllipseFit, NaNMaxRmsThrowsNotFinite) {
 }
 
 TEST(EllipseFit, UnsupportedModeIsDegenerate) {
-    const xcEllipseFitParams params(static_cast<xcEllipseFitDefs::fit_mode>(3), xcRadian(0.0), 0,
+    // 1 is the only other value the enumeration can hold (its range is that of one bit).
+    const xcEllipseFitParams params(static_cast<xcEllipseFitDefs::fit_mode>(1), xcRadian(0.0), 0,
                                     kInf);
     expectFitThrows<xcFitError::Degenerate>(ellipseSamples({0.0, 0.0}, 2.0, 1.0, 0.0, 10), params,
                                             xnErrorNumber::FitDegenerate,
-                                            L"unsupported fit mode 3");
+                                            L"unsupported fit mode 1");
 }
 
 // ---- The exception classes ------------------------------------------------------------------
