@@ -43,7 +43,8 @@ std::wstring formatNumber(double v) {
 }
 
 void checkInputs(const Points& points, double maxRms, const std::wstring& fitName) {
-    if (std::isnan(maxRms)) throw xcMathError::NotFinite(fitName + L": maxRms is NaN");
+    if (std::isnan(maxRms))
+        throw xcMathError::NotFinite(fitName + L": maxRms is NaN");
     for (std::size_t i = 0; i < points.size(); ++i) {
         if (!std::isfinite(points[i].x()) || !std::isfinite(points[i].y()))
             throw xcMathError::NotFinite(fitName + L": point " + std::to_wstring(i) +
@@ -62,13 +63,15 @@ struct Frame {
 };
 
 // The centroid of the points and their rms distance from it; the largest coordinate difference
-// is factored out first so that no square over- or underflows. Throws Degenerate when all points coincide.
+// is factored out first so that no square over- or underflows. Throws Degenerate when all points
+// coincide.
 Frame centredFrame(const Points& points, const std::wstring& fitName) {
     if (std::all_of(points.begin(), points.end(),
                     [&points](const xcVector<2>& p) { return p == points.front(); }))
         throw xcFitError::Degenerate(fitName + L": all points coincide");
     xcVector<2> sum;
-    for (const xcVector<2>& p : points) sum += p / static_cast<double>(points.size());
+    for (const xcVector<2>& p : points)
+        sum += p / static_cast<double>(points.size());
     Frame frame;
     frame.origin = sum;
     double largest = 0.0;  // the largest coordinate difference: no square, no overflow
@@ -189,7 +192,8 @@ Conic algebraicEllipse(const Points& points, const Frame& frame) {
     double bestConstraint = 0.0;
     Eigen::Vector3d best = Eigen::Vector3d::Zero();
     for (int k = 0; k < 3; ++k) {
-        if (solver.eigenvalues()[k].imag() != 0.0) continue;
+        if (solver.eigenvalues()[k].imag() != 0.0)
+            continue;
         const Eigen::Vector3d v = solver.eigenvectors().col(k).real();
         const double constraint = (4.0 * v[0] * v[2] - v[1] * v[1]) / v.squaredNorm();
         if (constraint > bestConstraint) {
@@ -206,15 +210,18 @@ Conic algebraicEllipse(const Points& points, const Frame& frame) {
 // The rotation in [0, pi) of an axis direction given in (-pi, pi].
 double halfTurnNormalised(double angle) {
     double r = std::fmod(angle, xcPi);
-    if (r < 0.0) r += xcPi;
-    if (r >= xcPi) r = 0.0;
+    if (r < 0.0)
+        r += xcPi;
+    if (r >= xcPi)
+        r = 0.0;
     return r;
 }
 
 // The centre, radii and rotation of the conic, mapped from the centred frame back to the
 // world. Throws Degenerate when the conic is no real ellipse.
 xcEllipse ellipseFromConic(Conic k, const Frame& frame) {
-    if (k.a + k.c < 0.0) k = {-k.a, -k.b, -k.c, -k.d, -k.e, -k.f};
+    if (k.a + k.c < 0.0)
+        k = {-k.a, -k.b, -k.c, -k.d, -k.e, -k.f};
     const double det = 4.0 * k.a * k.c - k.b * k.b;
     if (!(det > 0.0))
         throw xcFitError::Degenerate(kEllipseFit + L": the conic is a hyperbola or parabola");
@@ -232,8 +239,8 @@ xcEllipse ellipseFromConic(Conic k, const Frame& frame) {
         throw xcFitError::Degenerate(kEllipseFit + L": the points determine no real ellipse");
     // The larger eigenvalue's axis is at half the angle of (A - C, B); r1 lies across it.
     const double rotation = halfTurnNormalised(0.5 * std::atan2(k.b, k.a - k.c) + 0.5 * xcPi);
-    return xcEllipse(xcEllipse::xcEllipseGeom(frame.toWorld(centre), r1, r2, xcRadian(rotation),
-                                              false, false));
+    return xcEllipse(
+        xcEllipse::xcEllipseGeom(frame.toWorld(centre), r1, r2, xcRadian(rotation), false, false));
 }
 
 xcEllipse fitEllipseOnce(const Points& points) {
@@ -255,9 +262,11 @@ double ellipseRootShifted(double r0, double y0, double z1) {
         const double a = n0 / (w + r0Minus1);
         const double b = z1 / w;
         const double g = a * a + b * b - 1.0;
-        if (!(g > 0.0)) return w;  // at the root, or a rounding past it
+        if (!(g > 0.0))
+            return w;  // at the root, or a rounding past it
         const double next = w + g / (2.0 * a * a / (w + r0Minus1) + 2.0 * b * b / w);
-        if (!(next > w)) return w;  // no representable progress left
+        if (!(next > w))
+            return w;  // no representable progress left
         w = next;
     }
     throw xcFitError::Degenerate(kEllipseFit + L": point-to-ellipse distance did not converge");
@@ -266,7 +275,8 @@ double ellipseRootShifted(double r0, double y0, double z1) {
 // The distance from (y0, y1), both >= 0, to the ellipse x0^2 + x1^2 / e1^2 = 1, 0 < e1 <= 1.
 double distanceToUnitEllipse(double e1, double y0, double y1) {
     if (y1 > 0.0) {
-        if (y0 == 0.0) return std::fabs(y1 - e1);
+        if (y0 == 0.0)
+            return std::fabs(y1 - e1);
         const double r0 = 1.0 / (e1 * e1);
         const double w = ellipseRootShifted(r0, y0, y1 / e1);
         const double x0 = r0 * y0 / (w + (r0 - 1.0));
@@ -301,7 +311,8 @@ template <class Shape, class Distance>
 Points withoutFarthest(const Points& points, const Shape& shape, std::size_t ignore,
                        Distance distance) {
     std::vector<double> dist(points.size());
-    for (std::size_t i = 0; i < points.size(); ++i) dist[i] = distance(shape, points[i]);
+    for (std::size_t i = 0; i < points.size(); ++i)
+        dist[i] = distance(shape, points[i]);
     std::vector<std::size_t> order(points.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     const auto fartherFirst = [&dist](std::size_t i, std::size_t j) {
@@ -310,11 +321,13 @@ Points withoutFarthest(const Points& points, const Shape& shape, std::size_t ign
     std::nth_element(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(ignore),
                      order.end(), fartherFirst);
     std::vector<bool> dropped(points.size(), false);
-    for (std::size_t k = 0; k < ignore; ++k) dropped[order[k]] = true;
+    for (std::size_t k = 0; k < ignore; ++k)
+        dropped[order[k]] = true;
     Points kept;
     kept.reserve(points.size() - ignore);
     for (std::size_t i = 0; i < points.size(); ++i)
-        if (!dropped[i]) kept.push_back(points[i]);
+        if (!dropped[i])
+            kept.push_back(points[i]);
     return kept;
 }
 
@@ -327,20 +340,26 @@ double rmsDistance(const Points& points, const Shape& shape, Distance distance) 
         dist[i] = distance(shape, points[i]);
         largest = std::max(largest, dist[i]);
     }
-    if (largest == 0.0 || !std::isfinite(largest)) return largest;
+    if (largest == 0.0 || !std::isfinite(largest))
+        return largest;
     double sum = 0.0;
-    for (const double d : dist) sum += (d / largest) * (d / largest);
+    for (const double d : dist)
+        sum += (d / largest) * (d / largest);
     return largest * std::sqrt(sum / static_cast<double>(points.size()));
 }
 
-// Validates the inputs, fits, drops the `ignoreCount` farthest points and fits again, then
-// checks the rms distance of the used points against maxRms.
-template <class Shape, class Fit, class Distance>
-Shape fitRobustly(const Points& points, unsigned ignoreCount, double maxRms,
-                  std::size_t minPoints, const std::wstring& fitName, Fit fit, Distance distance,
-                  double& rms) {
+// Validates the mode and the inputs, fits, drops the `ignoreCount` farthest points and fits
+// again, then checks the rms distance of the used points against maxRms. Both parameter classes
+// number their one supported mode (all parameters free) 0.
+template <class Shape, class Params, class Fit, class Distance>
+Shape fitRobustly(const Params& params, const Points& points, std::size_t minPoints,
+                  const std::wstring& fitName, Fit fit, Distance distance, double& rms) {
+    const int mode = static_cast<int>(params.mode());
+    if (mode != 0)
+        throw xcFitError::Degenerate(fitName + L": unsupported fit mode " + std::to_wstring(mode));
+    const double maxRms = params.maxRms();
     checkInputs(points, maxRms, fitName);
-    const std::size_t ignore = ignoreCount;
+    const std::size_t ignore = params.ignoreCount();
     if (ignore > points.size() || points.size() - ignore < minPoints)
         throw xcFitError::TooFewPoints(fitName + L": " + std::to_wstring(points.size()) +
                                        L" points, " + std::to_wstring(ignore) +
@@ -365,24 +384,16 @@ Shape fitRobustly(const Points& points, unsigned ignoreCount, double maxRms,
 
 void xfEllipseFit(const xcEllipseFitParams& params, const std::vector<xcVector<2>>& points,
                   xcEllipseFitResults& results) {
-    if (params.mode() != xcEllipseFitDefs::fitAll)
-        throw xcFitError::Degenerate(kEllipseFit + L": unsupported fit mode " +
-                                     std::to_wstring(static_cast<int>(params.mode())));
     double rms = 0.0;
-    const xcEllipse ellipse =
-        fitRobustly<xcEllipse>(points, params.ignoreCount(), params.maxRms(), kEllipseMinPoints,
-                               kEllipseFit, fitEllipseOnce, distanceToEllipse, rms);
+    const xcEllipse ellipse = fitRobustly<xcEllipse>(params, points, kEllipseMinPoints, kEllipseFit,
+                                                     fitEllipseOnce, distanceToEllipse, rms);
     results.set(ellipse, rms);
 }
 
 void xfCircleFit(const xcCircleFitParams& params, const std::vector<xcVector<2>>& points,
                  xcCircleFitResults& results) {
-    if (params.mode() != xcCircleFitDefs::fitAll)
-        throw xcFitError::Degenerate(kCircleFit + L": unsupported fit mode " +
-                                     std::to_wstring(static_cast<int>(params.mode())));
     double rms = 0.0;
-    const xcCircle circle =
-        fitRobustly<xcCircle>(points, params.ignoreCount(), params.maxRms(), kCircleMinPoints,
-                              kCircleFit, fitCircleOnce, distanceToCircle, rms);
+    const xcCircle circle = fitRobustly<xcCircle>(params, points, kCircleMinPoints, kCircleFit,
+                                                  fitCircleOnce, distanceToCircle, rms);
     results.set(circle, rms);
 }

@@ -44,20 +44,22 @@ void twoProduct(double a, double b, double& product, double& err) {
 
 // An exact sum of doubles held as a non-overlapping expansion, smallest component first.
 class Expansion {
-public:
+  public:
     void add(double b) {
         double q = b;
-        for (std::size_t i = 0; i < size_; ++i) twoSum(q, c_[i], q, c_[i]);
+        for (std::size_t i = 0; i < size_; ++i)
+            twoSum(q, c_[i], q, c_[i]);
         c_[size_++] = q;
     }
     // The sign of the exact sum: that of its largest nonzero component.
     int sign() const {
         for (std::size_t i = size_; i-- > 0;)
-            if (c_[i] != 0.0) return c_[i] > 0.0 ? 1 : -1;
+            if (c_[i] != 0.0)
+                return c_[i] > 0.0 ? 1 : -1;
         return 0;
     }
 
-private:
+  private:
     double c_[12] = {};
     std::size_t size_ = 0;
 };
@@ -70,7 +72,8 @@ private:
 int exactOrientation(const xcVector<2>& a, const xcVector<2>& b, const xcVector<2>& c) {
     const double m = std::max({std::fabs(a.x()), std::fabs(a.y()), std::fabs(b.x()),
                                std::fabs(b.y()), std::fabs(c.x()), std::fabs(c.y())});
-    if (m == 0.0) return 0;
+    if (m == 0.0)
+        return 0;
     int exponent = 0;
     std::frexp(m, &exponent);
     const auto scaled = [exponent](double v) { return std::ldexp(v, -exponent); };
@@ -105,7 +108,8 @@ int orientation(const xcVector<2>& a, const xcVector<2>& b, const xcVector<2>& c
     const double det = left - right;
     const double magnitude = std::fabs(left) + std::fabs(right);
     if (magnitude >= kFilterUnderflowGuard && magnitude <= DBL_MAX) {
-        if (std::fabs(det) >= kFilterBound * magnitude) return det > 0.0 ? 1 : (det < 0.0 ? -1 : 0);
+        if (std::fabs(det) >= kFilterBound * magnitude)
+            return det > 0.0 ? 1 : (det < 0.0 ? -1 : 0);
     } else if ((acx == 0.0 || bcy == 0.0) && (acy == 0.0 || bcx == 0.0)) {
         // Both products have an exact zero factor (a difference of doubles is never rounded to 0).
         return 0;
@@ -152,9 +156,11 @@ void xfConvexHull(const std::vector<xcVector<2>>& points, std::vector<xcVector<2
     }
     result.reserve(sorted.size() + 1);
     // Andrew's monotone chain: the lower chain left to right, then the upper chain right to left.
-    for (const xcVector<2>& p : sorted) extendChain(result, 0, p);
+    for (const xcVector<2>& p : sorted)
+        extendChain(result, 0, p);
     const std::size_t upperStart = result.size() - 1;
-    for (std::size_t i = sorted.size() - 1; i-- > 0;) extendChain(result, upperStart, sorted[i]);
+    for (std::size_t i = sorted.size() - 1; i-- > 0;)
+        extendChain(result, upperStart, sorted[i]);
     result.pop_back();  // the upper chain ends where the lower one began
     hull = std::move(result);
 }

@@ -15,7 +15,8 @@ using Points = std::vector<xcVector<2>>;
 Points squareCloud(int count) {
     xcRandomUniform random(1);
     Points points;
-    for (int i = 0; i < count; ++i) points.push_back({random.next(0.0, 1000.0), random.next(0.0, 1000.0)});
+    for (int i = 0; i < count; ++i)
+        points.push_back({random.next(0.0, 1000.0), random.next(0.0, 1000.0)});
     return points;
 }
 

@@ -7,6 +7,8 @@
 #include <foundation/fit.h>
 #include <foundation/random.h>
 
+#include "fit_test_points.h"
+
 namespace {
 
 using Points = std::vector<xcVector<2>>;
@@ -82,25 +84,22 @@ TEST(CircleFit, HugeAndTinyScalesAreRecovered) {
 }
 
 TEST(CircleFit, RmsOfAlternatingCircleIsRadialDistance) {
-    // Eight points at 45 degree steps around (2, -1), at radius R + d on the axes and R - d on
-    // the diagonals. By symmetry the fit is centred at (2, -1); with D = E = 0 the fit minimises
-    // sum (r_k^2 + F)^2, so F = -mean(r_k^2) and rho^2 = mean(r_k^2) = R^2 + d^2. The residuals
-    // are |r_k - rho|, so rms^2 = ((R + d - rho)^2 + (R - d - rho)^2) / 2 = (rho - R)^2 + d^2.
+    // By symmetry (see alternatingRadiusPoints) the fit is centred at (2, -1) with radius
+    // rho = sqrt(R^2 + d^2) = sqrt(101) = 10.0498756..., and the rms residual is
+    // sqrt((rho - R)^2 + d^2) = sqrt(0.0024875... + 1) = 1.00124...
     const double R = 10.0, d = 1.0;
     const xcVector<2> centre(2.0, -1.0);
-    Points points;
-    for (int k = 0; k < 8; ++k)
-        points.push_back(centre + xcVector<2>(k % 2 == 0 ? R + d : R - d, xcRadian(k * xcPi / 4)));
-    const double rho = std::sqrt(R * R + d * d);  // 10.0498756...
-    const auto results = fit(points);
+    const double rho = std::sqrt(R * R + d * d);
+    const auto results = fit(alternatingRadiusPoints(centre, R, d));
     expectCircle(results.circle(), centre, rho, 1e-12);
-    EXPECT_NEAR(results.error(), std::sqrt((rho - R) * (rho - R) + d * d), 1e-12);  // 1.00124...
+    EXPECT_NEAR(results.error(), std::sqrt((rho - R) * (rho - R) + d * d), 1e-12);
 }
 
 TEST(CircleFit, RmsMatchesDirectComputation) {
     xcRandomUniform random(11);
     Points points = circleSamples({5.0, 5.0}, 3.0, 25);
-    for (xcVector<2>& p : points) p += xcVector<2>(random.next(-0.2, 0.2), random.next(-0.2, 0.2));
+    for (xcVector<2>& p : points)
+        p += xcVector<2>(random.next(-0.2, 0.2), random.next(-0.2, 0.2));
     const auto results = fit(points);
     double sum = 0.0;
     for (const xcVector<2>& p : points) {

@@ -9,6 +9,8 @@
 #include <foundation/fit.h>
 #include <foundation/random.h>
 
+#include "fit_test_points.h"
+
 namespace {
 
 using Points = std::vector<xcVector<2>>;
@@ -63,7 +65,8 @@ double bruteForceDistance(const xcEllipse& e, const xcVector<2>& p) {
     const int samples = 2000;
     const double step = 2.0 * xcPi / samples;
     std::vector<double> sampled(samples);
-    for (int k = 0; k < samples; ++k) sampled[k] = distanceAt(k * step);
+    for (int k = 0; k < samples; ++k)
+        sampled[k] = distanceAt(k * step);
     const double golden = (std::sqrt(5.0) - 1.0) / 2.0;
     double best = std::numeric_limits<double>::infinity();
     for (int k = 0; k < samples; ++k) {
@@ -73,11 +76,23 @@ double bruteForceDistance(const xcEllipse& e, const xcVector<2>& p) {
         double lo = (k - 1) * step, hi = (k + 1) * step;
         for (int i = 0; i < 100; ++i) {
             const double m1 = hi - golden * (hi - lo), m2 = lo + golden * (hi - lo);
-            if (distanceAt(m1) < distanceAt(m2)) hi = m2; else lo = m1;
+            if (distanceAt(m1) < distanceAt(m2))
+                hi = m2;
+            else
+                lo = m1;
         }
         best = std::min(best, distanceAt(0.5 * (lo + hi)));
     }
     return best;
+}
+
+double bruteForceRms(const xcEllipse& e, const Points& points) {
+    double sum = 0.0;
+    for (const xcVector<2>& p : points) {
+        const double dist = bruteForceDistance(e, p);
+        sum += dist * dist;
+    }
+    return std::sqrt(sum / points.size());
 }
 
 // ---- Recovery of exact ellipses -------------------------------------------------------------
@@ -153,23 +168,18 @@ TEST(EllipseFit, SameInputGivesIdenticalResult) {
 // ---- The residual is the orthogonal distance ------------------------------------------------
 
 TEST(EllipseFit, RmsOfAlternatingCircleIsOrthogonalDistance) {
-    // Eight points at 45 degree steps around (2, -1), at radius R + d on the axes and R - d on
-    // the diagonals. The set is symmetric under quarter turns and reflections, so the fitted
-    // conic is a circle about (2, -1) whose radius rho minimises sum (r_k^2 - rho^2)^2 in the
-    // direct fit: rho^2 = mean(r_k^2) = R^2 + d^2. Orthogonal distances are |r_k - rho|, so
-    // rms^2 = ((R + d - rho)^2 + (R - d - rho)^2) / 2 = (rho - R)^2 + d^2.
+    // By symmetry (see alternatingRadiusPoints) the direct fit, which minimises the same
+    // algebraic sum here, is the circle about (2, -1) of radius rho = sqrt(R^2 + d^2) =
+    // sqrt(101) = 10.0498756...; orthogonal distances to it are |r_k - rho|, so the rms is
+    // sqrt((rho - R)^2 + d^2) = sqrt(0.0024875... + 1) = 1.00124...
     const double R = 10.0, d = 1.0;
-    const xcVector<2> centre(2.0, -1.0);
-    Points points;
-    for (int k = 0; k < 8; ++k)
-        points.push_back(centre + xcVector<2>(k % 2 == 0 ? R + d : R - d, xcRadian(k * xcPi / 4)));
-    const double rho = std::sqrt(R * R + d * d);  // 10.0498756...
-    const auto results = fit(points);
+    const double rho = std::sqrt(R * R + d * d);
+    const auto results = fit(alternatingRadiusPoints({2.0, -1.0}, R, d));
     EXPECT_NEAR(results.ellipse().center().x(), 2.0, 1e-12);
     EXPECT_NEAR(results.ellipse().center().y(), -1.0, 1e-12);
     EXPECT_NEAR(results.ellipse().r1(), rho, 1e-12);
     EXPECT_NEAR(results.ellipse().r2(), rho, 1e-12);
-    EXPECT_NEAR(results.error(), std::sqrt((rho - R) * (rho - R) + d * d), 1e-12);  // 1.00124...
+    EXPECT_NEAR(results.error(), std::sqrt((rho - R) * (rho - R) + d * d), 1e-12);
 }
 
 TEST(EllipseFit, RmsMatchesBruteForceOrthogonalDistance) {
@@ -177,18 +187,14 @@ TEST(EllipseFit, RmsMatchesBruteForceOrthogonalDistance) {
     // major axis where the nearest point leaves the axis) and outside.
     xcRandomUniform random(7);
     Points points = ellipseSamples({1.0, 2.0}, 6.0, 2.0, 0.8, 40);
-    for (xcVector<2>& p : points) p += xcVector<2>(random.next(-0.3, 0.3), random.next(-0.3, 0.3));
+    for (xcVector<2>& p : points)
+        p += xcVector<2>(random.next(-0.3, 0.3), random.next(-0.3, 0.3));
     points.push_back({1.0, 2.0});
     points.push_back({1.0 + 2.0 * std::cos(0.8), 2.0 + 2.0 * std::sin(0.8)});
     points.push_back({1.0 - 4.0 * std::cos(0.8), 2.0 - 4.0 * std::sin(0.8)});
     points.push_back({9.0, 9.0});
     const auto results = fit(points);
-    double sum = 0.0;
-    for (const xcVector<2>& p : points) {
-        const double dist = bruteForceDistance(results.ellipse(), p);
-        sum += dist * dist;
-    }
-    EXPECT_NEAR(results.error(), std::sqrt(sum / points.size()), 1e-9);
+    EXPECT_NEAR(results.error(), bruteForceRms(results.ellipse(), points), 1e-9);
 }
 
 TEST(EllipseFit, RandomSetsRmsMatchesBruteForceOrthogonalDistance) {
@@ -207,12 +213,7 @@ TEST(EllipseFit, RandomSetsRmsMatchesBruteForceOrthogonalDistance) {
             points.push_back(centre + xcVector<2>(random.next(-1.5 * r1, 1.5 * r1),
                                                   random.next(-1.5 * r1, 1.5 * r1)));
         const auto results = fit(points);
-        double sum = 0.0;
-        for (const xcVector<2>& p : points) {
-            const double dist = bruteForceDistance(results.ellipse(), p);
-            sum += dist * dist;
-        }
-        EXPECT_NEAR(results.error(), std::sqrt(sum / points.size()), 1e-9 * r1);
+        EXPECT_NEAR(results.error(), bruteForceRms(results.ellipse(), points), 1e-9 * r1);
     }
 }
 
@@ -232,12 +233,7 @@ TEST(EllipseFit, PointsOnTheAxesMatchBruteForceOrthogonalDistance) {
     const auto results = fit(points);
     ASSERT_EQ(results.ellipse().center(), xcPoint(0.0, 0.0));
     ASSERT_EQ(results.ellipse().rotation().toDouble(), 0.0);
-    double sum = 0.0;
-    for (const xcVector<2>& p : points) {
-        const double dist = bruteForceDistance(results.ellipse(), p);
-        sum += dist * dist;
-    }
-    EXPECT_NEAR(results.error(), std::sqrt(sum / points.size()), 1e-9);
+    EXPECT_NEAR(results.error(), bruteForceRms(results.ellipse(), points), 1e-9);
 }
 
 // ---- ignoreCount ----------------------------------------------------------------------------
@@ -314,7 +310,8 @@ TEST(EllipseFit, EmptyInputIsTooFew) {
 
 TEST(EllipseFit, CollinearPointsAreDegenerate) {
     Points points;
-    for (int k = 0; k < 12; ++k) points.push_back({0.1 * k - 3.0, 0.7 * (0.1 * k) + 2.0});
+    for (int k = 0; k < 12; ++k)
+        points.push_back({0.1 * k - 3.0, 0.7 * (0.1 * k) + 2.0});
     expectFitThrows<xcFitError::Degenerate>(points, plainParams(), xnErrorNumber::FitDegenerate,
                                             L"collinear");
 }

@@ -20,7 +20,9 @@ Points hullOf(const Points& points) {
     return hull;
 }
 
-TEST(ConvexHull, EmptyInputGivesEmptyHull) { EXPECT_TRUE(hullOf({}).empty()); }
+TEST(ConvexHull, EmptyInputGivesEmptyHull) {
+    EXPECT_TRUE(hullOf({}).empty());
+}
 
 TEST(ConvexHull, OnePointGivesThatPoint) {
     EXPECT_EQ(hullOf({{2.5, -1.0}}), (Points{{2.5, -1.0}}));
@@ -48,9 +50,8 @@ TEST(ConvexHull, CollinearPointsGiveTheirEndPoints) {
 
 TEST(ConvexHull, SquareIsCounterClockwiseFromLowerLeft) {
     // Corners shuffled, with interior points, edge midpoints (collinear) and repeats.
-    const Points points = {{4.0, 4.0}, {2.0, 2.0}, {0.0, 4.0}, {2.0, 0.0}, {4.0, 0.0},
-                           {0.0, 0.0}, {4.0, 2.0}, {1.0, 3.0}, {0.0, 2.0}, {2.0, 4.0},
-                           {4.0, 4.0}, {0.0, 0.0}};
+    const Points points = {{4.0, 4.0}, {2.0, 2.0}, {0.0, 4.0}, {2.0, 0.0}, {4.0, 0.0}, {0.0, 0.0},
+                           {4.0, 2.0}, {1.0, 3.0}, {0.0, 2.0}, {2.0, 4.0}, {4.0, 4.0}, {0.0, 0.0}};
     EXPECT_EQ(hullOf(points), (Points{{0.0, 0.0}, {4.0, 0.0}, {4.0, 4.0}, {0.0, 4.0}}));
 }
 
@@ -98,7 +99,8 @@ TEST(ConvexHull, TinyGridNearADiagonalIsExact) {
     const double a = 0.5, b = 0.5 + 15.0 * ulp;
     Points points = {{24.0, 24.0}, {12.0, 12.0}};
     for (int i = 0; i < 16; ++i)
-        for (int j = 0; j < 16; ++j) points.push_back({0.5 + i * ulp, 0.5 + j * ulp});
+        for (int j = 0; j < 16; ++j)
+            points.push_back({0.5 + i * ulp, 0.5 + j * ulp});
     EXPECT_EQ(hullOf(points), (Points{{a, a}, {b, a}, {24.0, 24.0}, {a, b}}));
 }
 
@@ -142,7 +144,9 @@ __extension__ typedef __int128 Int128;
 // Every coordinate the generators below produce is an integer multiple of 2^-52 below 8, so
 // scaling by 2^52 gives an exact 64-bit integer; differences stay below 2^56 in magnitude and
 // their products below 2^112, so the orientation is exact in 128-bit integers.
-std::int64_t exactUnits(double v) { return static_cast<std::int64_t>(std::ldexp(v, 52)); }
+std::int64_t exactUnits(double v) {
+    return static_cast<std::int64_t>(std::ldexp(v, 52));
+}
 
 int exactOrientation(const xcVector<2>& a, const xcVector<2>& b, const xcVector<2>& c) {
     const Int128 bax = exactUnits(b.x()) - exactUnits(a.x());
@@ -168,12 +172,14 @@ void expectIsHull(const Points& points, const Points& hull) {
         EXPECT_NE(std::find(points.begin(), points.end(), v), points.end()) << "invented vertex";
     EXPECT_EQ(hull.front(), *std::min_element(points.begin(), points.end(), lexLess));
     if (hull.size() == 1) {
-        for (const xcVector<2>& p : points) EXPECT_EQ(p, hull[0]);
+        for (const xcVector<2>& p : points)
+            EXPECT_EQ(p, hull[0]);
         return;
     }
     if (hull.size() == 2) {
         EXPECT_EQ(hull[1], *std::max_element(points.begin(), points.end(), lexLess));
-        for (const xcVector<2>& p : points) EXPECT_EQ(exactOrientation(hull[0], hull[1], p), 0);
+        for (const xcVector<2>& p : points)
+            EXPECT_EQ(exactOrientation(hull[0], hull[1], p), 0);
         return;
     }
     const std::size_t m = hull.size();
@@ -182,11 +188,13 @@ void expectIsHull(const Points& points, const Points& hull) {
         const xcVector<2>& to = hull[(i + 1) % m];
         // Strictly convex and counter-clockwise: every other vertex strictly left of each edge.
         for (std::size_t k = 0; k < m; ++k) {
-            if (k == i || k == (i + 1) % m) continue;
+            if (k == i || k == (i + 1) % m)
+                continue;
             EXPECT_EQ(exactOrientation(from, to, hull[k]), 1) << "edge " << i << " vertex " << k;
         }
         // Every point inside or on the hull.
-        for (const xcVector<2>& p : points) EXPECT_GE(exactOrientation(from, to, p), 0);
+        for (const xcVector<2>& p : points)
+            EXPECT_GE(exactOrientation(from, to, p), 0);
     }
 }
 
@@ -201,7 +209,8 @@ Points integerGridPoints(xcRandomUniform& random, int count) {
 // Uniform in [1, 2)^2: full 52-bit fractions.
 Points unitSquarePoints(xcRandomUniform& random, int count) {
     Points points;
-    for (int i = 0; i < count; ++i) points.push_back({random.next(1.0, 2.0), random.next(1.0, 2.0)});
+    for (int i = 0; i < count; ++i)
+        points.push_back({random.next(1.0, 2.0), random.next(1.0, 2.0)});
     return points;
 }
 
@@ -212,7 +221,8 @@ Points nearLinePoints(xcRandomUniform& random, int count) {
     for (int i = 0; i < count; ++i) {
         const double t = random.next(0.0, 1.0);
         double y = 1.0 + 0.7 * t;
-        for (int k = static_cast<int>(std::floor(random.next(-3.0, 4.0))); k != 0; k += k > 0 ? -1 : 1)
+        for (int k = static_cast<int>(std::floor(random.next(-3.0, 4.0))); k != 0;
+             k += k > 0 ? -1 : 1)
             y = std::nextafter(y, k > 0 ? 2.0 : 1.0);
         points.push_back({1.0 + 0.9 * t, y});
     }
@@ -225,17 +235,26 @@ TEST(ConvexHull, RandomSetsSatisfyHullLaws) {
         const int count = static_cast<int>(std::floor(random.next(0.0, 41.0)));
         Points points;
         switch (seed % 3) {
-            case 0: points = integerGridPoints(random, count); break;
-            case 1: points = unitSquarePoints(random, count); break;
-            default: points = nearLinePoints(random, count); break;
+            case 0:
+                points = integerGridPoints(random, count);
+                break;
+            case 1:
+                points = unitSquarePoints(random, count);
+                break;
+            default:
+                points = nearLinePoints(random, count);
+                break;
         }
         SCOPED_TRACE(::testing::Message() << "seed " << seed << ", " << count << " points");
         expectIsHull(points, hullOf(points));
-        if (::testing::Test::HasFailure()) return;
+        if (::testing::Test::HasFailure())
+            return;
     }
 }
 #else
-TEST(ConvexHull, RandomSetsSatisfyHullLaws) { GTEST_SKIP() << "needs 128-bit integers"; }
+TEST(ConvexHull, RandomSetsSatisfyHullLaws) {
+    GTEST_SKIP() << "needs 128-bit integers";
+}
 #endif
 
 }  // namespace
