@@ -42,12 +42,12 @@ std::wstring formatNumber(double v) {
     return os.str();
 }
 
-void checkInputs(const Points& points, double maxRms, const std::wstring& fitName) {
+void checkInputs(const Points& points, double maxRms, const wchar_t* fitName) {
     if (std::isnan(maxRms))
-        throw xcMathError::NotFinite(fitName + L": maxRms is NaN");
+        throw xcMathError::NotFinite(std::wstring(fitName) + L": maxRms is NaN");
     for (std::size_t i = 0; i < points.size(); ++i) {
         if (!std::isfinite(points[i].x()) || !std::isfinite(points[i].y()))
-            throw xcMathError::NotFinite(fitName + L": point " + std::to_wstring(i) +
+            throw xcMathError::NotFinite(std::wstring(fitName) + L": point " + std::to_wstring(i) +
                                          L" has a non-finite coordinate");
     }
 }
@@ -65,10 +65,10 @@ struct Frame {
 // The centroid of the points and their rms distance from it; the largest coordinate difference
 // is factored out first so that no square over- or underflows. Throws Degenerate when all points
 // coincide.
-Frame centredFrame(const Points& points, const std::wstring& fitName) {
+Frame centredFrame(const Points& points, const wchar_t* fitName) {
     if (std::all_of(points.begin(), points.end(),
                     [&points](const xcVector<2>& p) { return p == points.front(); }))
-        throw xcFitError::Degenerate(fitName + L": all points coincide");
+        throw xcFitError::Degenerate(std::wstring(fitName) + L": all points coincide");
     xcVector<2> sum;
     for (const xcVector<2>& p : points)
         sum += p / static_cast<double>(points.size());
@@ -80,7 +80,7 @@ Frame centredFrame(const Points& points, const std::wstring& fitName) {
         largest = std::max({largest, std::fabs(d.x()), std::fabs(d.y())});
     }
     if (!std::isfinite(largest))
-        throw xcMathError::NotFinite(fitName + L": coordinates too large to fit");
+        throw xcMathError::NotFinite(std::wstring(fitName) + L": coordinates too large to fit");
     double sumSquares = 0.0;
     for (const xcVector<2>& p : points) {
         const xcVector<2> d = (p - frame.origin) / largest;
@@ -92,7 +92,7 @@ Frame centredFrame(const Points& points, const std::wstring& fitName) {
 
 // Throws Degenerate when the points (in the centred frame) lie on one line: the rms distance
 // from their principal axis, measured point by point, is below kCollinearRelativeSpread.
-void checkNotCollinear(const Points& points, const Frame& frame, const std::wstring& fitName) {
+void checkNotCollinear(const Points& points, const Frame& frame, const wchar_t* fitName) {
     double cuu = 0.0, cuv = 0.0, cvv = 0.0;
     for (const xcVector<2>& p : points) {
         const xcVector<2> q = frame.toLocal(p);
@@ -108,10 +108,10 @@ void checkNotCollinear(const Points& points, const Frame& frame, const std::wstr
         across += d * d;
     }
     if (std::sqrt(across / static_cast<double>(points.size())) < kCollinearRelativeSpread)
-        throw xcFitError::Degenerate(fitName + L": the points are collinear");
+        throw xcFitError::Degenerate(std::wstring(fitName) + L": the points are collinear");
 }
 
-Frame checkedFrame(const Points& points, const std::wstring& fitName) {
+Frame checkedFrame(const Points& points, const wchar_t* fitName) {
     const Frame frame = centredFrame(points, fitName);
     checkNotCollinear(points, frame, fitName);
     return frame;
@@ -119,7 +119,8 @@ Frame checkedFrame(const Points& points, const std::wstring& fitName) {
 
 // ---- Circle ----------------------------------------------------------------------------------
 
-const std::wstring kCircleFit = L"circle fit";
+// Names that begin every error message (plain literals: no static initialisation order).
+constexpr const wchar_t* kCircleFit = L"circle fit";
 
 // Kasa's algebraic fit: least squares of u^2 + v^2 + D u + E v + F over (D, E, F), in the
 // centred frame.
@@ -135,12 +136,14 @@ xcCircle fitCircleOnce(const Points& points) {
     }
     const Eigen::LLT<Eigen::Matrix3d> llt(normal);
     if (llt.info() != Eigen::Success)
-        throw xcFitError::Degenerate(kCircleFit + L": the points are nearly collinear");
+        throw xcFitError::Degenerate(std::wstring(kCircleFit) +
+                                     L": the points are nearly collinear");
     const Eigen::Vector3d def = llt.solve(rhs);
     const xcVector<2> centre(-0.5 * def[0], -0.5 * def[1]);
     const double radiusSquared = centre.dot(centre) - def[2];
     if (!(radiusSquared > 0.0) || !std::isfinite(radiusSquared))
-        throw xcFitError::Degenerate(kCircleFit + L": the points determine no circle");
+        throw xcFitError::Degenerate(std::wstring(kCircleFit) +
+                                     L": the points determine no circle");
     return xcCircle(frame.toWorld(centre), frame.scale * std::sqrt(radiusSquared));
 }
 
@@ -151,7 +154,7 @@ double distanceToCircle(const xcCircle& circle, const xcVector<2>& p) {
 
 // ---- Ellipse ---------------------------------------------------------------------------------
 
-const std::wstring kEllipseFit = L"ellipse fit";
+constexpr const wchar_t* kEllipseFit = L"ellipse fit";
 
 // A x^2 + B xy + C y^2 + D x + E y + F = 0.
 struct Conic {
@@ -177,7 +180,8 @@ Conic algebraicEllipse(const Points& points, const Frame& frame) {
     }
     const Eigen::LLT<Eigen::Matrix3d> s3Factor(s3);
     if (s3Factor.info() != Eigen::Success)
-        throw xcFitError::Degenerate(kEllipseFit + L": the points are nearly collinear");
+        throw xcFitError::Degenerate(std::wstring(kEllipseFit) +
+                                     L": the points are nearly collinear");
     const Eigen::Matrix3d t = -s3Factor.solve(s2.transpose());
     const Eigen::Matrix3d reduced = s1 + s2 * t;
     // C1^-1 * reduced with C1 = [[0 0 2] [0 -1 0] [2 0 0]].
@@ -188,7 +192,8 @@ Conic algebraicEllipse(const Points& points, const Frame& frame) {
 
     const Eigen::EigenSolver<Eigen::Matrix3d> solver(system);
     if (solver.info() != Eigen::Success)
-        throw xcFitError::Degenerate(kEllipseFit + L": the eigenvalue problem did not converge");
+        throw xcFitError::Degenerate(std::wstring(kEllipseFit) +
+                                     L": the eigenvalue problem did not converge");
     double bestConstraint = 0.0;
     Eigen::Vector3d best = Eigen::Vector3d::Zero();
     for (int k = 0; k < 3; ++k) {
@@ -202,7 +207,8 @@ Conic algebraicEllipse(const Points& points, const Frame& frame) {
         }
     }
     if (!(bestConstraint > 0.0))
-        throw xcFitError::Degenerate(kEllipseFit + L": the points determine no ellipse");
+        throw xcFitError::Degenerate(std::wstring(kEllipseFit) +
+                                     L": the points determine no ellipse");
     const Eigen::Vector3d linear = t * best;
     return {best[0], best[1], best[2], linear[0], linear[1], linear[2]};
 }
@@ -224,7 +230,8 @@ xcEllipse ellipseFromConic(Conic k, const Frame& frame) {
         k = {-k.a, -k.b, -k.c, -k.d, -k.e, -k.f};
     const double det = 4.0 * k.a * k.c - k.b * k.b;
     if (!(det > 0.0))
-        throw xcFitError::Degenerate(kEllipseFit + L": the conic is a hyperbola or parabola");
+        throw xcFitError::Degenerate(std::wstring(kEllipseFit) +
+                                     L": the conic is a hyperbola or parabola");
     const xcVector<2> centre((k.b * k.e - 2.0 * k.c * k.d) / det,
                              (k.b * k.d - 2.0 * k.a * k.e) / det);
     const double valueAtCentre = k.f + 0.5 * (k.d * centre.x() + k.e * centre.y());
@@ -236,7 +243,8 @@ xcEllipse ellipseFromConic(Conic k, const Frame& frame) {
     const double r2 = frame.scale * std::sqrt(-valueAtCentre / larger);
     if (!(r2 > 0.0) || !std::isfinite(r1) || !(r1 <= kMaxAxisRatio * r2) ||
         !std::isfinite(centre.x()) || !std::isfinite(centre.y()))
-        throw xcFitError::Degenerate(kEllipseFit + L": the points determine no real ellipse");
+        throw xcFitError::Degenerate(std::wstring(kEllipseFit) +
+                                     L": the points determine no real ellipse");
     // The larger eigenvalue's axis is at half the angle of (A - C, B); r1 lies across it.
     const double rotation = halfTurnNormalised(0.5 * std::atan2(k.b, k.a - k.c) + 0.5 * xcPi);
     return xcEllipse(
@@ -269,7 +277,8 @@ double ellipseRootShifted(double r0, double y0, double z1) {
             return w;  // no representable progress left
         w = next;
     }
-    throw xcFitError::Degenerate(kEllipseFit + L": point-to-ellipse distance did not converge");
+    throw xcFitError::Degenerate(std::wstring(kEllipseFit) +
+                                 L": point-to-ellipse distance did not converge");
 }
 
 // The distance from (y0, y1), both >= 0, to the ellipse x0^2 + x1^2 / e1^2 = 1, 0 < e1 <= 1.
@@ -353,18 +362,19 @@ double rmsDistance(const Points& points, const Shape& shape, Distance distance) 
 // number their one supported mode (all parameters free) 0.
 template <class Shape, class Params, class Fit, class Distance>
 Shape fitRobustly(const Params& params, const Points& points, std::size_t minPoints,
-                  const std::wstring& fitName, Fit fit, Distance distance, double& rms) {
+                  const wchar_t* fitName, Fit fit, Distance distance, double& rms) {
     const int mode = static_cast<int>(params.mode());
     if (mode != 0)
-        throw xcFitError::Degenerate(fitName + L": unsupported fit mode " + std::to_wstring(mode));
+        throw xcFitError::Degenerate(std::wstring(fitName) + L": unsupported fit mode " +
+                                     std::to_wstring(mode));
     const double maxRms = params.maxRms();
     checkInputs(points, maxRms, fitName);
     const std::size_t ignore = params.ignoreCount();
     if (ignore > points.size() || points.size() - ignore < minPoints)
-        throw xcFitError::TooFewPoints(fitName + L": " + std::to_wstring(points.size()) +
-                                       L" points, " + std::to_wstring(ignore) +
-                                       L" to ignore, at least " + std::to_wstring(minPoints) +
-                                       L" needed");
+        throw xcFitError::TooFewPoints(std::wstring(fitName) + L": " +
+                                       std::to_wstring(points.size()) + L" points, " +
+                                       std::to_wstring(ignore) + L" to ignore, at least " +
+                                       std::to_wstring(minPoints) + L" needed");
     Shape shape = fit(points);
     Points kept;
     if (ignore > 0) {
@@ -373,9 +383,9 @@ Shape fitRobustly(const Params& params, const Points& points, std::size_t minPoi
     }
     rms = rmsDistance(ignore > 0 ? kept : points, shape, distance);
     if (!std::isfinite(rms))
-        throw xcMathError::NotFinite(fitName + L": the residual is not finite");
+        throw xcMathError::NotFinite(std::wstring(fitName) + L": the residual is not finite");
     if (rms > maxRms)
-        throw xcFitError::RmsTooLarge(fitName + L": rms " + formatNumber(rms) +
+        throw xcFitError::RmsTooLarge(std::wstring(fitName) + L": rms " + formatNumber(rms) +
                                       L" exceeds maxRms " + formatNumber(maxRms));
     return shape;
 }
