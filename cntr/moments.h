@@ -87,14 +87,25 @@ CNTR_API xcVector<2> xf_CenterOfMass(const std::vector<xcEdgelet>& edgelets);
 ///
 /// The polygon is cut into a fan of triangles (centroid, previous, current), one per edge, and
 /// the triangle records are combined with xc_InertiaData::operator+ in three passes so that the
-/// large contributions are summed first: triangles above the mean area, then those beyond 1e-6
-/// in the sign of the mean, then the rest. For a polygon star-shaped about its centroid (every
-/// convex polygon) and for any counter-clockwise simple polygon the result is the true record;
-/// a clockwise polygon whose fan mixes orientations gets the result of the combination rule.
-/// Fewer than 3 points give the zero record. Throws xcMathError::Singular from the centroid (see
-/// xnContour::centerOfMass), and when rounding leaves no side of a fan triangle that holds the
-/// foot of the opposite altitude (possible only for coordinates of the order of 1e6 and more),
-/// where the search for such a side would otherwise never end. NaN coordinates give NaN values.
+/// large contributions are summed first: triangles above the mean area (for a negative mean:
+/// every triangle whose area differs from it), then those beyond 1e-6 in the sign of the mean,
+/// then the rest. For a polygon star-shaped about its centroid (every convex polygon) and for
+/// any counter-clockwise polygon the result is the true record; a clockwise polygon whose fan
+/// mixes orientations (a flat triangle whose area rounds positive counts) gets what the
+/// combination rule gives. A polygon of zero area (collinear points) gives area 0 with the
+/// centre of the last flat fan triangle added, zero-area records being neutral.
+///
+/// Each triangle is measured on a side that holds the foot of the opposite altitude. A side
+/// counts as holding it unless the corner is farther from the side than from its line by more
+/// than 1e-10; a foot just outside a side (by up to about sqrt(2e-10 h), h the height) is thus
+/// measured as inside, on a base too long by twice that distance. This is deliberate
+/// behaviour, kept for compatibility; xf_Area and xnContour::centerOfMass are not affected.
+///
+/// Fewer than 3 points give the zero record. Throws xcMathError::Singular from the centroid
+/// (see xnContour::centerOfMass), and when rounding leaves no side of a fan triangle that holds
+/// the foot, where the search for such a side would otherwise never end: this needs
+/// coordinates of about 1e6 or more (distances are then rounded by more than the 1e-10 slack).
+/// NaN coordinates give NaN values.
 CNTR_API xc_InertiaData xf_InertiaDataPolygon(const std::vector<xcVector<2>>& points);
 
 /// The ellipse whose central second moments are those of `data`.
