@@ -78,9 +78,18 @@ private:
     double error_ = 0.0;
 };
 
-/// Fits an ellipse to `points` (at least 5 after ignoring). Throws xcMathError::NotFinite for a
-/// NaN or infinite coordinate, xcFitError::TooFewPoints, xcFitError::Degenerate when the points
-/// determine no ellipse, xcFitError::RmsTooLarge when the rms exceeds maxRms.
+/// Fits an ellipse to `points` (at least 5 after ignoring) by Fitzgibbon's direct least-squares
+/// method in Halir and Flusser's formulation, on coordinates centred on the centroid and scaled
+/// to unit rms radius. With ignoreCount > 0 the points farthest (orthogonal distance) from this
+/// first fit are dropped (ties: the earlier point goes) and the rest fitted once more; this is a
+/// single pass, so an outlier gross enough to drag the first fit towards itself may survive.
+/// `results` receives the ellipse (r1 >= r2, rotation of r1 in [0, pi)) and the rms orthogonal
+/// distance of the used points to it; on failure it is left unchanged.
+/// Throws xcMathError::NotFinite for a NaN or infinite coordinate, a NaN maxRms, or coordinates
+/// so large that the residual overflows; xcFitError::TooFewPoints; xcFitError::Degenerate for an
+/// unsupported mode, coincident or collinear points, or points that determine no real ellipse
+/// (r1 / r2 above 1e100 included); xcFitError::RmsTooLarge when the rms exceeds maxRms (always,
+/// for a negative maxRms; never, for +infinity).
 FOUNDATION_API void xfEllipseFit(const xcEllipseFitParams& params,
                                  const std::vector<xcVector<2>>& points,
                                  xcEllipseFitResults& results);
@@ -127,7 +136,10 @@ private:
     double error_ = 0.0;
 };
 
-/// Fits a circle to `points` (at least 3 after ignoring). Throws as xfEllipseFit does.
+/// Fits a circle to `points` (at least 3 after ignoring) by algebraic least squares (Kasa's fit:
+/// minimises the sum of (x^2 + y^2 + D x + E y + F)^2) on coordinates centred on the centroid
+/// and scaled to unit rms radius. ignoreCount, maxRms, the results and the exceptions are as for
+/// xfEllipseFit; the error is the rms of |distance to centre - radius|.
 FOUNDATION_API void xfCircleFit(const xcCircleFitParams& params,
                                 const std::vector<xcVector<2>>& points,
                                 xcCircleFitResults& results);

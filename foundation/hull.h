@@ -8,8 +8,13 @@
 
 /// The convex hull of `points` into `hull`: its vertices counter-clockwise (y up), starting at
 /// the vertex with the smallest x (then the smallest y). Collinear and repeated points are
-/// dropped; 0, 1 or 2 distinct points give those points (2 in that same start order).
-/// O(n log n). Throws xcMathError::NotFinite when a coordinate is NaN or infinite.
+/// dropped; 0, 1 or 2 distinct points give those points (2 in that same start order). `hull` is
+/// replaced.
+/// The orientation test is exact (a floating-point filter backed by exact expansion
+/// arithmetic), so near-collinear points are classified correctly; this holds for any finite
+/// input in which no three points mix nonzero coordinates more than a factor 2^450 apart.
+/// O(n log n) (monotone chain). Throws xcMathError::NotFinite when a coordinate is NaN or
+/// infinite; `hull` is then left unchanged.
 FOUNDATION_API void xfConvexHull(const std::vector<xcVector<2>>& points,
                                  std::vector<xcVector<2>>& hull);
 

@@ -1,0 +1,383 @@
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <numeric>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <Eigen/Cholesky>
+#include <Eigen/Core>
+#include <Eigen/Eigenvalues>
+
+#include <foundation/fit.h>
+
+xcFitError::TooFewPoints::TooFewPoints(const std::wstring& message) : xcExceptionT(message) {}
+xcFitError::TooFewPoints::~TooFewPoints() = default;
+xcFitError::Degenerate::Degenerate(const std::wstring& message) : xcExceptionT(message) {}
+xcFitError::Degenerate::~Degenerate() = default;
+xcFitError::RmsTooLarge::RmsTooLarge(const std::wstring& message) : xcExceptionT(message) {}
+xcFitError::RmsTooLarge::~RmsTooLarge() = default;
+
+namespace {
+
+// Points whose rms distance from their best-fit line is below this fraction of their rms
+// distance from their centroid count as collinear: they determine no circle and no ellipse.
+constexpr double kCollinearRelativeSpread = 1e-12;
+// Fitted ellipses more elongated than this (r1 / r2) are rejected as degenerate: they are
+// segments in all but name, and the distance computation squares the ratio.
+constexpr double kMaxAxisRatio = 1e100;
+// Bisection on doubles ends after at most about 2100 halvings (the exponent range plus the
+// mantissa); this bound is generous and only guards against a logic error.
+constexpr int kMaxBisectionSteps = 4096;
+constexpr std::size_t kEllipseMinPoints = 5;
+constexpr std::size_t kCircleMinPoints = 3;
+
+using Points = std::vector<xcVector<2>>;
+
+std::wstring formatNumber(double v) {
+    std::wostringstream os;
+    os << v;
+    return os.str();
+}
+
+void checkInputs(const Points& points, double maxRms, const std::wstring& fitName) {
+    if (std::isnan(maxRms)) throw xcMathError::NotFinite(fitName + L": maxRms is NaN");
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        if (!std::isfinite(points[i].x()) || !std::isfinite(points[i].y()))
+            throw xcMathError::NotFinite(fitName + L": point " + std::to_wstring(i) +
+                                         L" has a non-finite coordinate");
+    }
+}
+
+// The similarity that maps the points to coordinates centred on their centroid with unit rms
+// distance from it: the algebraic fits are well conditioned there whatever the input's position
+// and size.
+struct Frame {
+    xcVector<2> origin;
+    double scale = 1.0;
+    xcVector<2> toLocal(const xcVector<2>& p) const { return (p - origin) / scale; }
+    xcVector<2> toWorld(const xcVector<2>& q) const { return origin + q * scale; }
+};
+
+// The centroid of the points and their rms distance from it; the largest distance is factored
+// out first so that no square overflows. Throws Degenerate when all points coincide.
+Frame centredFrame(const Points& points, const std::wstring& fitName) {
+    if (std::all_of(points.begin(), points.end(),
+                    [&points](const xcVector<2>& p) { return p == points.front(); }))
+        throw xcFitError::Degenerate(fitName + L": all points coincide");
+    xcVector<2> sum;
+    for (const xcVector<2>& p : points) sum += p / static_cast<double>(points.size());
+    Frame frame;
+    frame.origin = sum;
+    double largest = 0.0;
+    for (const xcVector<2>& p : points) largest = std::max(largest, (p - frame.origin).length());
+    if (!std::isfinite(largest))
+        throw xcMathError::NotFinite(fitName + L": coordinates too large to fit");
+    double sumSquares = 0.0;
+    for (const xcVector<2>& p : points) {
+        const xcVector<2> d = (p - frame.origin) / largest;
+        sumSquares += d.dot(d);
+    }
+    frame.scale = largest * std::sqrt(sumSquares / static_cast<double>(points.size()));
+    return frame;
+}
+
+// Throws Degenerate when the points (in the centred frame) lie on one line: the rms distance
+// from their principal axis, measured point by point, is below kCollinearRelativeSpread.
+void checkNotCollinear(const Points& points, const Frame& frame, const std::wstring& fitName) {
+    double cuu = 0.0, cuv = 0.0, cvv = 0.0;
+    for (const xcVector<2>& p : points) {
+        const xcVector<2> q = frame.toLocal(p);
+        cuu += q.x() * q.x();
+        cuv += q.x() * q.y();
+        cvv += q.y() * q.y();
+    }
+    const double axis = 0.5 * std::atan2(2.0 * cuv, cuu - cvv);
+    const xcVector<2> normal(-std::sin(axis), std::cos(axis));
+    double across = 0.0;
+    for (const xcVector<2>& p : points) {
+        const double d = normal.dot(frame.toLocal(p));
+        across += d * d;
+    }
+    if (std::sqrt(across / static_cast<double>(points.size())) < kCollinearRelativeSpread)
+        throw xcFitError::Degenerate(fitName + L": the points are collinear");
+}
+
+Frame checkedFrame(const Points& points, const std::wstring& fitName) {
+    const Frame frame = centredFrame(points, fitName);
+    checkNotCollinear(points, frame, fitName);
+    return frame;
+}
+
+// ---- Circle ----------------------------------------------------------------------------------
+
+const std::wstring kCircleFit = L"circle fit";
+
+// Kasa's algebraic fit: least squares of u^2 + v^2 + D u + E v + F over (D, E, F), in the
+// centred frame.
+xcCircle fitCircleOnce(const Points& points) {
+    const Frame frame = checkedFrame(points, kCircleFit);
+    Eigen::Matrix3d normal = Eigen::Matrix3d::Zero();
+    Eigen::Vector3d rhs = Eigen::Vector3d::Zero();
+    for (const xcVector<2>& p : points) {
+        const xcVector<2> q = frame.toLocal(p);
+        const Eigen::Vector3d row(q.x(), q.y(), 1.0);
+        normal.noalias() += row * row.transpose();
+        rhs -= row * q.dot(q);
+    }
+    const Eigen::LLT<Eigen::Matrix3d> llt(normal);
+    if (llt.info() != Eigen::Success)
+        throw xcFitError::Degenerate(kCircleFit + L": the normal equations are singular");
+    const Eigen::Vector3d def = llt.solve(rhs);
+    const xcVector<2> centre(-0.5 * def[0], -0.5 * def[1]);
+    const double radiusSquared = centre.dot(centre) - def[2];
+    if (!(radiusSquared > 0.0) || !std::isfinite(radiusSquared))
+        throw xcFitError::Degenerate(kCircleFit + L": the points determine no circle");
+    return xcCircle(frame.toWorld(centre), frame.scale * std::sqrt(radiusSquared));
+}
+
+double distanceToCircle(const xcCircle& circle, const xcVector<2>& p) {
+    return std::fabs(p.distance(circle.center()) - circle.radius());
+}
+
+// ---- Ellipse ---------------------------------------------------------------------------------
+
+const std::wstring kEllipseFit = L"ellipse fit";
+
+// A x^2 + B xy + C y^2 + D x + E y + F = 0.
+struct Conic {
+    double a, b, c, d, e, f;
+};
+
+// The Halir-Flusser formulation of Fitzgibbon's direct ellipse fit, in the centred frame: with
+// D1 = [x^2 xy y^2] and D2 = [x y 1] per point, the linear part is eliminated (T = -S3^-1 S2^T)
+// and the quadratic part is the eigenvector of C1^-1 (S1 + S2 T) that satisfies the ellipse
+// constraint 4 A C - B^2 > 0. The constraint has exactly one positive direction, so at most one
+// eigenvector qualifies in exact arithmetic; numerically the one with the largest normalised
+// constraint value is taken.
+Conic algebraicEllipse(const Points& points, const Frame& frame) {
+    Eigen::Matrix3d s1 = Eigen::Matrix3d::Zero(), s2 = Eigen::Matrix3d::Zero(),
+                    s3 = Eigen::Matrix3d::Zero();
+    for (const xcVector<2>& p : points) {
+        const xcVector<2> q = frame.toLocal(p);
+        const Eigen::Vector3d quadratic(q.x() * q.x(), q.x() * q.y(), q.y() * q.y());
+        const Eigen::Vector3d linear(q.x(), q.y(), 1.0);
+        s1.noalias() += quadratic * quadratic.transpose();
+        s2.noalias() += quadratic * linear.transpose();
+        s3.noalias() += linear * linear.transpose();
+    }
+    const Eigen::LLT<Eigen::Matrix3d> s3Factor(s3);
+    if (s3Factor.info() != Eigen::Success)
+        throw xcFitError::Degenerate(kEllipseFit + L": the scatter matrix is singular");
+    const Eigen::Matrix3d t = -s3Factor.solve(s2.transpose());
+    const Eigen::Matrix3d reduced = s1 + s2 * t;
+    // C1^-1 * reduced with C1 = [[0 0 2] [0 -1 0] [2 0 0]].
+    Eigen::Matrix3d system;
+    system.row(0) = 0.5 * reduced.row(2);
+    system.row(1) = -reduced.row(1);
+    system.row(2) = 0.5 * reduced.row(0);
+
+    const Eigen::EigenSolver<Eigen::Matrix3d> solver(system);
+    if (solver.info() != Eigen::Success)
+        throw xcFitError::Degenerate(kEllipseFit + L": the eigenvalue problem did not converge");
+    double bestConstraint = 0.0;
+    Eigen::Vector3d best = Eigen::Vector3d::Zero();
+    for (int k = 0; k < 3; ++k) {
+        if (solver.eigenvalues()[k].imag() != 0.0) continue;
+        const Eigen::Vector3d v = solver.eigenvectors().col(k).real();
+        const double constraint = (4.0 * v[0] * v[2] - v[1] * v[1]) / v.squaredNorm();
+        if (constraint > bestConstraint) {
+            bestConstraint = constraint;
+            best = v;
+        }
+    }
+    if (!(bestConstraint > 0.0))
+        throw xcFitError::Degenerate(kEllipseFit + L": the points determine no ellipse");
+    const Eigen::Vector3d linear = t * best;
+    return {best[0], best[1], best[2], linear[0], linear[1], linear[2]};
+}
+
+// The rotation in [0, pi) of an axis direction given in (-pi, pi].
+double halfTurnNormalised(double angle) {
+    double r = std::fmod(angle, xcPi);
+    if (r < 0.0) r += xcPi;
+    if (r >= xcPi) r = 0.0;
+    return r;
+}
+
+// The centre, radii and rotation of the conic, mapped from the centred frame back to the
+// world. Throws Degenerate when the conic is no real ellipse.
+xcEllipse ellipseFromConic(Conic k, const Frame& frame) {
+    if (k.a + k.c < 0.0) k = {-k.a, -k.b, -k.c, -k.d, -k.e, -k.f};
+    const double det = 4.0 * k.a * k.c - k.b * k.b;
+    if (!(det > 0.0))
+        throw xcFitError::Degenerate(kEllipseFit + L": the conic is a hyperbola or parabola");
+    const xcVector<2> centre((k.b * k.e - 2.0 * k.c * k.d) / det,
+                             (k.b * k.d - 2.0 * k.a * k.e) / det);
+    const double valueAtCentre = k.f + 0.5 * (k.d * centre.x() + k.e * centre.y());
+    // Eigenvalues of [[A, B/2], [B/2, C]]: the larger without cancellation, the smaller from
+    // the determinant.
+    const double larger = 0.5 * (k.a + k.c + std::hypot(k.a - k.c, k.b));
+    const double smaller = 0.25 * det / larger;
+    const double r1 = frame.scale * std::sqrt(-valueAtCentre / smaller);
+    const double r2 = frame.scale * std::sqrt(-valueAtCentre / larger);
+    if (!(r2 > 0.0) || !std::isfinite(r1) || !(r1 <= kMaxAxisRatio * r2) ||
+        !std::isfinite(centre.x()) || !std::isfinite(centre.y()))
+        throw xcFitError::Degenerate(kEllipseFit + L": the points determine no real ellipse");
+    // The larger eigenvalue's axis is at half the angle of (A - C, B); r1 lies across it.
+    const double rotation = halfTurnNormalised(0.5 * std::atan2(k.b, k.a - k.c) + 0.5 * xcPi);
+    return xcEllipse(xcEllipse::xcEllipseGeom(frame.toWorld(centre), r1, r2, xcRadian(rotation),
+                                              false, false));
+}
+
+xcEllipse fitEllipseOnce(const Points& points) {
+    const Frame frame = checkedFrame(points, kEllipseFit);
+    return ellipseFromConic(algebraicEllipse(points, frame), frame);
+}
+
+// Eberly's root of (r0 z0 / (s + r0))^2 + (z1 / (s + 1))^2 = 1 by bisection, for z0, z1 > 0,
+// r0 = (e0 / e1)^2 >= 1 and g the function's value at s = 0.
+double ellipseRoot(double r0, double z0, double z1, double g) {
+    const double n0 = r0 * z0;
+    double s0 = z1 - 1.0;
+    double s1 = g < 0.0 ? 0.0 : std::hypot(n0, z1) - 1.0;
+    double s = 0.0;
+    for (int step = 0; step < kMaxBisectionSteps; ++step) {
+        s = 0.5 * (s0 + s1);
+        if (s == s0 || s == s1) return s;
+        const double ratio0 = n0 / (s + r0);
+        const double ratio1 = z1 / (s + 1.0);
+        g = ratio0 * ratio0 + ratio1 * ratio1 - 1.0;
+        if (g > 0.0) {
+            s0 = s;
+        } else if (g < 0.0) {
+            s1 = s;
+        } else {
+            return s;
+        }
+    }
+    throw xcFitError::Degenerate(kEllipseFit + L": point-to-ellipse distance did not converge");
+}
+
+// The distance from (y0, y1), both >= 0, to the axis-aligned ellipse with semi-axes e0 >= e1 > 0
+// centred at the origin.
+double distanceInFirstQuadrant(double e0, double e1, double y0, double y1) {
+    if (y1 > 0.0) {
+        if (y0 == 0.0) return std::fabs(y1 - e1);
+        const double z0 = y0 / e0, z1 = y1 / e1;
+        const double g = z0 * z0 + z1 * z1 - 1.0;
+        if (g == 0.0) return 0.0;
+        const double r0 = (e0 / e1) * (e0 / e1);
+        const double s = ellipseRoot(r0, z0, z1, g);
+        const double x0 = r0 * y0 / (s + r0), x1 = y1 / (s + 1.0);
+        return std::hypot(x0 - y0, x1 - y1);
+    }
+    // On the major axis: inside the evolute's cusp the nearest point is off the axis.
+    const double numer = e0 * y0;
+    const double denom = (e0 - e1) * (e0 + e1);
+    if (numer < denom) {
+        const double ratio = numer / denom;
+        const double x0 = e0 * ratio, x1 = e1 * std::sqrt(1.0 - ratio * ratio);
+        return std::hypot(x0 - y0, x1);
+    }
+    return std::fabs(y0 - e0);
+}
+
+double distanceToEllipse(const xcEllipse& ellipse, const xcVector<2>& p) {
+    const double c = std::cos(ellipse.rotation().toDouble());
+    const double s = std::sin(ellipse.rotation().toDouble());
+    const xcVector<2> d = p - ellipse.center().vector();
+    const double along = std::fabs(c * d.x() + s * d.y());
+    const double across = std::fabs(c * d.y() - s * d.x());
+    return distanceInFirstQuadrant(ellipse.r1(), ellipse.r2(), along, across);
+}
+
+// ---- Shared driver ---------------------------------------------------------------------------
+
+// The points without the `ignore` ones farthest from `shape` (ties: the later index is kept),
+// in their original order.
+template <class Shape, class Distance>
+Points withoutFarthest(const Points& points, const Shape& shape, std::size_t ignore,
+                       Distance distance) {
+    std::vector<double> dist(points.size());
+    for (std::size_t i = 0; i < points.size(); ++i) dist[i] = distance(shape, points[i]);
+    std::vector<std::size_t> order(points.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    const auto fartherFirst = [&dist](std::size_t i, std::size_t j) {
+        return dist[i] > dist[j] || (dist[i] == dist[j] && i < j);
+    };
+    std::nth_element(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(ignore),
+                     order.end(), fartherFirst);
+    std::vector<bool> dropped(points.size(), false);
+    for (std::size_t k = 0; k < ignore; ++k) dropped[order[k]] = true;
+    Points kept;
+    kept.reserve(points.size() - ignore);
+    for (std::size_t i = 0; i < points.size(); ++i)
+        if (!dropped[i]) kept.push_back(points[i]);
+    return kept;
+}
+
+template <class Shape, class Distance>
+double rmsDistance(const Points& points, const Shape& shape, Distance distance) {
+    double sum = 0.0;
+    for (const xcVector<2>& p : points) {
+        const double d = distance(shape, p);
+        sum += d * d;
+    }
+    return std::sqrt(sum / static_cast<double>(points.size()));
+}
+
+// Validates the inputs, fits, drops the `ignoreCount` farthest points and fits again, then
+// checks the rms distance of the used points against maxRms.
+template <class Shape, class Fit, class Distance>
+Shape fitRobustly(const Points& points, unsigned ignoreCount, double maxRms,
+                  std::size_t minPoints, const std::wstring& fitName, Fit fit, Distance distance,
+                  double& rms) {
+    checkInputs(points, maxRms, fitName);
+    const std::size_t ignore = ignoreCount;
+    if (ignore > points.size() || points.size() - ignore < minPoints)
+        throw xcFitError::TooFewPoints(fitName + L": " + std::to_wstring(points.size()) +
+                                       L" points, " + std::to_wstring(ignore) +
+                                       L" to ignore, at least " + std::to_wstring(minPoints) +
+                                       L" needed");
+    Shape shape = fit(points);
+    Points kept;
+    if (ignore > 0) {
+        kept = withoutFarthest(points, shape, ignore, distance);
+        shape = fit(kept);
+    }
+    rms = rmsDistance(ignore > 0 ? kept : points, shape, distance);
+    if (!std::isfinite(rms))
+        throw xcMathError::NotFinite(fitName + L": the residual is not finite");
+    if (rms > maxRms)
+        throw xcFitError::RmsTooLarge(fitName + L": rms " + formatNumber(rms) +
+                                      L" exceeds maxRms " + formatNumber(maxRms));
+    return shape;
+}
+
+}  // namespace
+
+void xfEllipseFit(const xcEllipseFitParams& params, const std::vector<xcVector<2>>& points,
+                  xcEllipseFitResults& results) {
+    if (params.mode() != xcEllipseFitDefs::fitAll)
+        throw xcFitError::Degenerate(kEllipseFit + L": unsupported fit mode " +
+                                     std::to_wstring(static_cast<int>(params.mode())));
+    double rms = 0.0;
+    const xcEllipse ellipse =
+        fitRobustly<xcEllipse>(points, params.ignoreCount(), params.maxRms(), kEllipseMinPoints,
+                               kEllipseFit, fitEllipseOnce, distanceToEllipse, rms);
+    results.set(ellipse, rms);
+}
+
+void xfCircleFit(const xcCircleFitParams& params, const std::vector<xcVector<2>>& points,
+                 xcCircleFitResults& results) {
+    if (params.mode() != xcCircleFitDefs::fitAll)
+        throw xcFitError::Degenerate(kCircleFit + L": unsupported fit mode " +
+                                     std::to_wstring(static_cast<int>(params.mode())));
+    double rms = 0.0;
+    const xcCircle circle =
+        fitRobustly<xcCircle>(points, params.ignoreCount(), params.maxRms(), kCircleMinPoints,
+                              kCircleFit, fitCircleOnce, distanceToCircle, rms);
+    results.set(circle, rms);
+}

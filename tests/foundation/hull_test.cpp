@@ -1,0 +1,241 @@
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <foundation/exception.h>
+#include <foundation/hull.h>
+#include <foundation/random.h>
+
+namespace {
+
+using Points = std::vector<xcVector<2>>;
+
+Points hullOf(const Points& points) {
+    Points hull;
+    xfConvexHull(points, hull);
+    return hull;
+}
+
+TEST(ConvexHull, EmptyInputGivesEmptyHull) { EXPECT_TRUE(hullOf({}).empty()); }
+
+TEST(ConvexHull, OnePointGivesThatPoint) {
+    EXPECT_EQ(hullOf({{2.5, -1.0}}), (Points{{2.5, -1.0}}));
+}
+
+TEST(ConvexHull, RepeatedPointGivesOnePoint) {
+    EXPECT_EQ(hullOf({{1.0, 1.0}, {1.0, 1.0}, {1.0, 1.0}}), (Points{{1.0, 1.0}}));
+}
+
+TEST(ConvexHull, TwoPointsComeInStartOrder) {
+    EXPECT_EQ(hullOf({{3.0, 1.0}, {1.0, 5.0}}), (Points{{1.0, 5.0}, {3.0, 1.0}}));
+    // Equal x: the smaller y first.
+    EXPECT_EQ(hullOf({{2.0, 5.0}, {2.0, 1.0}}), (Points{{2.0, 1.0}, {2.0, 5.0}}));
+}
+
+TEST(ConvexHull, TwoDistinctPointsAmongRepeats) {
+    EXPECT_EQ(hullOf({{4.0, 4.0}, {0.0, 0.0}, {4.0, 4.0}, {0.0, 0.0}}),
+              (Points{{0.0, 0.0}, {4.0, 4.0}}));
+}
+
+TEST(ConvexHull, CollinearPointsGiveTheirEndPoints) {
+    EXPECT_EQ(hullOf({{2.0, 1.0}, {4.0, 2.0}, {0.0, 0.0}, {6.0, 3.0}, {2.0, 1.0}}),
+              (Points{{0.0, 0.0}, {6.0, 3.0}}));
+}
+
+TEST(ConvexHull, SquareIsCounterClockwiseFromLowerLeft) {
+    // Corners shuffled, with interior points, edge midpoints (collinear) and repeats.
+    const Points points = {{4.0, 4.0}, {2.0, 2.0}, {0.0, 4.0}, {2.0, 0.0}, {4.0, 0.0},
+                           {0.0, 0.0}, {4.0, 2.0}, {1.0, 3.0}, {0.0, 2.0}, {2.0, 4.0},
+                           {4.0, 4.0}, {0.0, 0.0}};
+    EXPECT_EQ(hullOf(points), (Points{{0.0, 0.0}, {4.0, 0.0}, {4.0, 4.0}, {0.0, 4.0}}));
+}
+
+TEST(ConvexHull, StartsAtSmallestXThenSmallestY) {
+    // Two vertices share the smallest x; the lower one starts.
+    const Points points = {{3.0, 2.0}, {0.0, 3.0}, {2.0, 0.0}, {0.0, 1.0}, {1.0, 1.5}};
+    EXPECT_EQ(hullOf(points), (Points{{0.0, 1.0}, {2.0, 0.0}, {3.0, 2.0}, {0.0, 3.0}}));
+}
+
+TEST(ConvexHull, ReplacesPreviousContentOfOutput) {
+    Points hull = {{9.0, 9.0}, {8.0, 8.0}};
+    xfConvexHull({{1.0, 0.0}, {0.0, 0.0}, {0.0, 1.0}}, hull);
+    EXPECT_EQ(hull, (Points{{0.0, 0.0}, {1.0, 0.0}, {0.0, 1.0}}));
+}
+
+TEST(ConvexHull, PointOneUlpOffALineIsAVertex) {
+    // x = 1 + i * 2^-40 and y = 3x + 7 are exact in doubles, so these points are exactly
+    // collinear; the extra points sit one unit in the last place of y (2^-49 near 10..13)
+    // above or below the middle of the line.
+    Points line;
+    for (int i = 0; i <= 20; ++i) {
+        const double x = 1.0 + (i * 1234567.0) * 0x1.0p-40;
+        line.push_back({x, 3.0 * x + 7.0});
+    }
+    const xcVector<2> first = line.front(), last = line.back(), middle = line[10];
+    EXPECT_EQ(hullOf(line), (Points{first, last}));
+
+    Points above = line;
+    const xcVector<2> up(middle.x(), std::nextafter(middle.y(), 100.0));
+    above.push_back(up);
+    EXPECT_EQ(hullOf(above), (Points{first, last, up}));
+
+    Points below = line;
+    const xcVector<2> down(middle.x(), std::nextafter(middle.y(), 0.0));
+    below.push_back(down);
+    EXPECT_EQ(hullOf(below), (Points{first, down, last}));
+}
+
+TEST(ConvexHull, TinyGridNearADiagonalIsExact) {
+    // A 16 x 16 grid of points one ulp (2^-53) apart at (0.5, 0.5), and two far points on the
+    // diagonal y = x. The diagonal runs through the grid corners (a, a) and (b, b), so the hull
+    // is the quadrilateral (a, a), (b, a), (24, 24), (a, b): (b, b) and (12, 12) lie on its
+    // diagonal from (a, a) to (24, 24).
+    const double ulp = 0x1.0p-53;
+    const double a = 0.5, b = 0.5 + 15.0 * ulp;
+    Points points = {{24.0, 24.0}, {12.0, 12.0}};
+    for (int i = 0; i < 16; ++i)
+        for (int j = 0; j < 16; ++j) points.push_back({0.5 + i * ulp, 0.5 + j * ulp});
+    EXPECT_EQ(hullOf(points), (Points{{a, a}, {b, a}, {24.0, 24.0}, {a, b}}));
+}
+
+TEST(ConvexHull, HugeCoordinatesDoNotOverflow) {
+    // Products of these differences exceed the double range.
+    const double h = 1e300;
+    const Points points = {{h, h}, {0.0, -h}, {-h, -h}, {0.0, 0.0}, {-h, h}, {h, -h}, {h, 0.0}};
+    EXPECT_EQ(hullOf(points), (Points{{-h, -h}, {h, -h}, {h, h}, {-h, h}}));
+}
+
+TEST(ConvexHull, TinyCoordinatesDoNotUnderflow) {
+    // Products of these differences are below the smallest double.
+    const double t = 1e-300;
+    const Points points = {{t, t}, {0.0, -t}, {-t, -t}, {0.0, 0.0}, {-t, t}, {t, -t}, {t, 0.0}};
+    EXPECT_EQ(hullOf(points), (Points{{-t, -t}, {t, -t}, {t, t}, {-t, t}}));
+}
+
+TEST(ConvexHull, NaNCoordinateThrowsNotFinite) {
+    Points hull;
+    const Points points = {{0.0, 0.0}, {1.0, std::nan("")}, {2.0, 1.0}};
+    try {
+        xfConvexHull(points, hull);
+        FAIL() << "no exception";
+    } catch (const xcMathError::NotFinite& e) {
+        EXPECT_EQ(e.errorNumber(), xnErrorNumber::MathNotFinite);
+        EXPECT_NE(e.message().find(L"point 1"), std::wstring::npos);
+    }
+}
+
+TEST(ConvexHull, InfiniteCoordinateThrowsNotFinite) {
+    Points hull;
+    const Points points = {{std::numeric_limits<double>::infinity(), 0.0}, {1.0, 1.0}};
+    EXPECT_THROW(xfConvexHull(points, hull), xcMathError::NotFinite);
+}
+
+// ---- Randomised property test with an independent exact predicate ---------------------------
+
+#ifdef __SIZEOF_INT128__
+__extension__ typedef __int128 Int128;
+
+// Every coordinate the generators below produce is an integer multiple of 2^-52 below 8, so
+// scaling by 2^52 gives an exact 64-bit integer; differences stay below 2^56 in magnitude and
+// their products below 2^112, so the orientation is exact in 128-bit integers.
+std::int64_t exactUnits(double v) { return static_cast<std::int64_t>(std::ldexp(v, 52)); }
+
+int exactOrientation(const xcVector<2>& a, const xcVector<2>& b, const xcVector<2>& c) {
+    const Int128 bax = exactUnits(b.x()) - exactUnits(a.x());
+    const Int128 bay = exactUnits(b.y()) - exactUnits(a.y());
+    const Int128 cax = exactUnits(c.x()) - exactUnits(a.x());
+    const Int128 cay = exactUnits(c.y()) - exactUnits(a.y());
+    const Int128 det = bax * cay - bay * cax;
+    return det > 0 ? 1 : (det < 0 ? -1 : 0);
+}
+
+bool lexLess(const xcVector<2>& p, const xcVector<2>& q) {
+    return p.x() < q.x() || (p.x() == q.x() && p.y() < q.y());
+}
+
+// Checks that `hull` is the convex hull of `points` as documented.
+void expectIsHull(const Points& points, const Points& hull) {
+    if (points.empty()) {
+        EXPECT_TRUE(hull.empty());
+        return;
+    }
+    ASSERT_FALSE(hull.empty());
+    for (const xcVector<2>& v : hull)
+        EXPECT_NE(std::find(points.begin(), points.end(), v), points.end()) << "invented vertex";
+    EXPECT_EQ(hull.front(), *std::min_element(points.begin(), points.end(), lexLess));
+    if (hull.size() == 1) {
+        for (const xcVector<2>& p : points) EXPECT_EQ(p, hull[0]);
+        return;
+    }
+    if (hull.size() == 2) {
+        EXPECT_EQ(hull[1], *std::max_element(points.begin(), points.end(), lexLess));
+        for (const xcVector<2>& p : points) EXPECT_EQ(exactOrientation(hull[0], hull[1], p), 0);
+        return;
+    }
+    const std::size_t m = hull.size();
+    for (std::size_t i = 0; i < m; ++i) {
+        const xcVector<2>& from = hull[i];
+        const xcVector<2>& to = hull[(i + 1) % m];
+        // Strictly convex and counter-clockwise: every other vertex strictly left of each edge.
+        for (std::size_t k = 0; k < m; ++k) {
+            if (k == i || k == (i + 1) % m) continue;
+            EXPECT_EQ(exactOrientation(from, to, hull[k]), 1) << "edge " << i << " vertex " << k;
+        }
+        // Every point inside or on the hull.
+        for (const xcVector<2>& p : points) EXPECT_GE(exactOrientation(from, to, p), 0);
+    }
+}
+
+// Small integer grid: many repeats and exactly collinear triples.
+Points integerGridPoints(xcRandomUniform& random, int count) {
+    Points points;
+    for (int i = 0; i < count; ++i)
+        points.push_back({std::floor(random.next(0.0, 8.0)), std::floor(random.next(0.0, 8.0))});
+    return points;
+}
+
+// Uniform in [1, 2)^2: full 52-bit fractions.
+Points unitSquarePoints(xcRandomUniform& random, int count) {
+    Points points;
+    for (int i = 0; i < count; ++i) points.push_back({random.next(1.0, 2.0), random.next(1.0, 2.0)});
+    return points;
+}
+
+// Points within a few ulps of the line from (1, 1) to (1.9, 1.7): orientation signs here are
+// beyond a plain floating-point evaluation.
+Points nearLinePoints(xcRandomUniform& random, int count) {
+    Points points;
+    for (int i = 0; i < count; ++i) {
+        const double t = random.next(0.0, 1.0);
+        double y = 1.0 + 0.7 * t;
+        for (int k = static_cast<int>(std::floor(random.next(-3.0, 4.0))); k != 0; k += k > 0 ? -1 : 1)
+            y = std::nextafter(y, k > 0 ? 2.0 : 1.0);
+        points.push_back({1.0 + 0.9 * t, y});
+    }
+    return points;
+}
+
+TEST(ConvexHull, RandomSetsSatisfyHullLaws) {
+    for (std::uint64_t seed = 0; seed < 1000; ++seed) {
+        xcRandomUniform random(seed);
+        const int count = static_cast<int>(std::floor(random.next(0.0, 41.0)));
+        Points points;
+        switch (seed % 3) {
+            case 0: points = integerGridPoints(random, count); break;
+            case 1: points = unitSquarePoints(random, count); break;
+            default: points = nearLinePoints(random, count); break;
+        }
+        SCOPED_TRACE(::testing::Message() << "seed " << seed << ", " << count << " points");
+        expectIsHull(points, hullOf(points));
+        if (::testing::Test::HasFailure()) return;
+    }
+}
+#else
+TEST(ConvexHull, RandomSetsSatisfyHullLaws) { GTEST_SKIP() << "needs 128-bit integers"; }
+#endif
+
+}  // namespace
