@@ -26,7 +26,8 @@ class CNTR_API xc_InertiaData {
 public:
     /// The record holding exactly the given values (by default all zero).
     explicit xc_InertiaData(double area = 0.0, const xcVector<2>& centerOfMass = xcVector<2>(),
-                            const xcMatrix<2>& inertiaMatrix = xcMatrix<2>());
+                            const xcMatrix<2>& inertiaMatrix = xcMatrix<2>())
+        : area_(area), center_(centerOfMass), inertia_(inertiaMatrix) {}
 
     /// The signed area.
     double area() const { return area_; }

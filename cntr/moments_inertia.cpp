@@ -106,10 +106,6 @@ void addPass(xc_InertiaData& total, const std::vector<xc_InertiaData>& fan,
 
 }  // namespace
 
-xc_InertiaData::xc_InertiaData(double area, const xcVector<2>& centerOfMass,
-                               const xcMatrix<2>& inertiaMatrix)
-    : area_(area), center_(centerOfMass), inertia_(inertiaMatrix) {}
-
 xc_InertiaData xc_InertiaData::operator+(const xc_InertiaData& other) {
     if (isNeutralArea(area_)) return other;
     if (isNeutralArea(other.area_)) return *this;
