@@ -60,8 +60,8 @@ struct Frame {
     xcVector<2> toWorld(const xcVector<2>& q) const { return origin + q * scale; }
 };
 
-// The centroid of the points and their rms distance from it; the largest distance is factored
-// out first so that no square overflows. Throws Degenerate when all points coincide.
+// The centroid of the points and their rms distance from it; the largest coordinate difference
+// is factored out first so that no square over- or underflows. Throws Degenerate when all points coincide.
 Frame centredFrame(const Points& points, const std::wstring& fitName) {
     if (std::all_of(points.begin(), points.end(),
                     [&points](const xcVector<2>& p) { return p == points.front(); }))
@@ -70,8 +70,11 @@ Frame centredFrame(const Points& points, const std::wstring& fitName) {
     for (const xcVector<2>& p : points) sum += p / static_cast<double>(points.size());
     Frame frame;
     frame.origin = sum;
-    double largest = 0.0;
-    for (const xcVector<2>& p : points) largest = std::max(largest, (p - frame.origin).length());
+    double largest = 0.0;  // the largest coordinate difference: no square, no overflow
+    for (const xcVector<2>& p : points) {
+        const xcVector<2> d = p - frame.origin;
+        largest = std::max({largest, std::fabs(d.x()), std::fabs(d.y())});
+    }
     if (!std::isfinite(largest))
         throw xcMathError::NotFinite(fitName + L": coordinates too large to fit");
     double sumSquares = 0.0;
@@ -128,7 +131,7 @@ xcCircle fitCircleOnce(const Points& points) {
     }
     const Eigen::LLT<Eigen::Matrix3d> llt(normal);
     if (llt.info() != Eigen::Success)
-        throw xcFitError::Degenerate(kCircleFit + L": the normal equations are singular");
+        throw xcFitError::Degenerate(kCircleFit + L": the points are nearly collinear");
     const Eigen::Vector3d def = llt.solve(rhs);
     const xcVector<2> centre(-0.5 * def[0], -0.5 * def[1]);
     const double radiusSquared = centre.dot(centre) - def[2];
@@ -138,7 +141,8 @@ xcCircle fitCircleOnce(const Points& points) {
 }
 
 double distanceToCircle(const xcCircle& circle, const xcVector<2>& p) {
-    return std::fabs(p.distance(circle.center()) - circle.radius());
+    const xcVector<2> d = p - circle.center();
+    return std::fabs(std::hypot(d.x(), d.y()) - circle.radius());
 }
 
 // ---- Ellipse ---------------------------------------------------------------------------------
@@ -169,7 +173,7 @@ Conic algebraicEllipse(const Points& points, const Frame& frame) {
     }
     const Eigen::LLT<Eigen::Matrix3d> s3Factor(s3);
     if (s3Factor.info() != Eigen::Success)
-        throw xcFitError::Degenerate(kEllipseFit + L": the scatter matrix is singular");
+        throw xcFitError::Degenerate(kEllipseFit + L": the points are nearly collinear");
     const Eigen::Matrix3d t = -s3Factor.solve(s2.transpose());
     const Eigen::Matrix3d reduced = s1 + s2 * t;
     // C1^-1 * reduced with C1 = [[0 0 2] [0 -1 0] [2 0 0]].
@@ -284,13 +288,15 @@ double distanceInFirstQuadrant(double e0, double e1, double y0, double y1) {
     return std::fabs(y0 - e0);
 }
 
+// Computed in units of r1, which keeps the intermediate squares in range for any ellipse size.
 double distanceToEllipse(const xcEllipse& ellipse, const xcVector<2>& p) {
     const double c = std::cos(ellipse.rotation().toDouble());
     const double s = std::sin(ellipse.rotation().toDouble());
+    const double unit = ellipse.r1();
     const xcVector<2> d = p - ellipse.center().vector();
-    const double along = std::fabs(c * d.x() + s * d.y());
-    const double across = std::fabs(c * d.y() - s * d.x());
-    return distanceInFirstQuadrant(ellipse.r1(), ellipse.r2(), along, across);
+    const double along = std::fabs(c * d.x() + s * d.y()) / unit;
+    const double across = std::fabs(c * d.y() - s * d.x()) / unit;
+    return unit * distanceInFirstQuadrant(1.0, ellipse.r2() / unit, along, across);
 }
 
 // ---- Shared driver ---------------------------------------------------------------------------
@@ -318,14 +324,19 @@ Points withoutFarthest(const Points& points, const Shape& shape, std::size_t ign
     return kept;
 }
 
+// The largest distance is factored out so that no square over- or underflows.
 template <class Shape, class Distance>
 double rmsDistance(const Points& points, const Shape& shape, Distance distance) {
-    double sum = 0.0;
-    for (const xcVector<2>& p : points) {
-        const double d = distance(shape, p);
-        sum += d * d;
+    std::vector<double> dist(points.size());
+    double largest = 0.0;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        dist[i] = distance(shape, points[i]);
+        largest = std::max(largest, dist[i]);
     }
-    return std::sqrt(sum / static_cast<double>(points.size()));
+    if (largest == 0.0 || !std::isfinite(largest)) return largest;
+    double sum = 0.0;
+    for (const double d : dist) sum += (d / largest) * (d / largest);
+    return largest * std::sqrt(sum / static_cast<double>(points.size()));
 }
 
 // Validates the inputs, fits, drops the `ignoreCount` farthest points and fits again, then

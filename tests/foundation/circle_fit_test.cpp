@@ -70,6 +70,17 @@ TEST(CircleFit, FarFromOriginIsRecovered) {
     expectCircle(results.circle(), {1e6, 1e6}, 2.0, 1e-7);
 }
 
+TEST(CircleFit, HugeAndTinyScalesAreRecovered) {
+    // Squares of these coordinates leave the double range; the fit works in relative terms.
+    for (const double unit : {1e200, 1e-200}) {
+        SCOPED_TRACE(unit);
+        const xcVector<2> centre(-unit, 3.0 * unit);
+        const auto results = fit(circleSamples(centre, 2.0 * unit, 12));
+        expectCircle(results.circle(), centre, 2.0 * unit, kRecoveryTolerance * unit);
+        EXPECT_LT(results.error(), 1e-9 * unit);
+    }
+}
+
 TEST(CircleFit, RmsOfAlternatingCircleIsRadialDistance) {
     // Eight points at 45 degree steps around (2, -1), at radius R + d on the axes and R - d on
     // the diagonals. By symmetry the fit is centred at (2, -1); with D = E = 0 the fit minimises

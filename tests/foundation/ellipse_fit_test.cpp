@@ -40,12 +40,13 @@ xcEllipseFitResults fit(const Points& points, const xcEllipseFitParams& params =
 }
 
 void expectEllipse(const xcEllipse& e, const xcVector<2>& centre, double r1, double r2,
-                   double rotation, double tolerance) {
-    EXPECT_NEAR(e.center().x(), centre.x(), tolerance);
-    EXPECT_NEAR(e.center().y(), centre.y(), tolerance);
-    EXPECT_NEAR(e.r1(), r1, tolerance);
-    EXPECT_NEAR(e.r2(), r2, tolerance);
-    EXPECT_NEAR(e.rotation().toDouble(), rotation, tolerance);
+                   double rotation, double lengthTolerance,
+                   double angleTolerance = kRecoveryTolerance) {
+    EXPECT_NEAR(e.center().x(), centre.x(), lengthTolerance);
+    EXPECT_NEAR(e.center().y(), centre.y(), lengthTolerance);
+    EXPECT_NEAR(e.r1(), r1, lengthTolerance);
+    EXPECT_NEAR(e.r2(), r2, lengthTolerance);
+    EXPECT_NEAR(e.rotation().toDouble(), rotation, angleTolerance);
 }
 
 // An independent orthogonal distance: dense sampling of the ellipse's parameter, then golden
@@ -118,6 +119,18 @@ TEST(EllipseFit, FarFromOriginIsRecovered) {
     const xcVector<2> centre(1e6, -2e6);
     const auto results = fit(ellipseSamples(centre, 3.0, 1.0, 0.25, 50));
     expectEllipse(results.ellipse(), centre, 3.0, 1.0, 0.25, 1e-7);
+}
+
+TEST(EllipseFit, HugeAndTinyScalesAreRecovered) {
+    // Squares of these coordinates leave the double range; the fit works in relative terms.
+    for (const double unit : {1e200, 1e-200}) {
+        SCOPED_TRACE(unit);
+        const xcVector<2> centre(2.0 * unit, -unit);
+        const auto results = fit(ellipseSamples(centre, 7.0 * unit, 3.0 * unit, 0.6, 50));
+        expectEllipse(results.ellipse(), centre, 7.0 * unit, 3.0 * unit, 0.6,
+                      kRecoveryTolerance * unit);
+        EXPECT_LT(results.error(), 1e-9 * unit);
+    }
 }
 
 TEST(EllipseFit, SameInputGivesIdenticalResult) {
