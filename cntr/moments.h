@@ -57,7 +57,9 @@ private:
 };
 
 /// The unsigned area of the polygon: half the absolute sum of cross(previous, current) over all
-/// edges. One or two points (and, unlike the edgelet overload's contract, an empty list) give 0.
+/// edges, the same for either vertex order. Fewer than 3 points (an empty list too) give 0; a
+/// self-overlapping outline gives the net area (the lobes of a figure eight cancel). NaN
+/// coordinates give NaN.
 CNTR_API double xf_Area(const std::vector<xcVector<2>>& points);
 
 /// The unsigned area of the polygon of the edgelet positions; 0 for fewer than 3 edgelets.

@@ -262,13 +262,8 @@ TEST(InertiaPolygon, NoSideHoldingTheFootThrowsSingular) {
                                       sideRejected(cur, c, prev));
     }
     ASSERT_TRUE(allRejected);
-    try {
-        xf_InertiaDataPolygon(t);
-        FAIL() << "expected xcMathError::Singular";
-    } catch (const xcMathError::Singular& e) {
-        EXPECT_EQ(e.errorNumber(), xnErrorNumber::MathSingular);
-        EXPECT_EQ(e.message(), L"triangle moments: no side holds the foot of the opposite altitude");
-    }
+    moments_test::expectSingular([&t] { xf_InertiaDataPolygon(t); },
+                                 L"triangle moments: no side holds the foot of the opposite altitude");
 }
 
 // ---- operator+ ---------------------------------------------------------------------------

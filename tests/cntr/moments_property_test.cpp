@@ -82,55 +82,49 @@ void expectRecordsNear(const xc_InertiaData& actual, const xc_InertiaData& expec
             EXPECT_NEAR(m.element(r, c), e.element(r, c), kRelTol * scale) << r << "," << c;
 }
 
-TEST(MomentsProperty, StarShapedAboutCentroidMatchesClosedFormsBothOrientations) {
-    xcRandomUniform rng(20240611);
-    int accepted = 0;
+/// Draws polygons until kPolygons of them are star-shaped about their centroid (or, with
+/// `starAboutCentroid` false, are not) and have no foot just outside a side, and runs `check`
+/// on each. Expects the count reached and few polygons left out for the foot window.
+template <class Check>
+void checkRandomPolygons(std::uint64_t seed, double minFraction, bool starAboutCentroid,
+                         Check check) {
+    xcRandomUniform rng(seed);
+    int checked = 0;
     int skipped = 0;
-    for (int draw = 0; draw < kMaxDraws && accepted < kPolygons; ++draw) {
-        const Sample s = drawPolygon(rng, 0.3);
+    for (int draw = 0; draw < kMaxDraws && checked < kPolygons; ++draw) {
+        const Sample s = drawPolygon(rng, minFraction);
         const xcVector<2> c = referenceMoments(s.points).center;
-        if (!isStarShapedAbout(s.points, c, s.size)) continue;
+        if (isStarShapedAbout(s.points, c, s.size) != starAboutCentroid) continue;
         if (hasFootJustOutsideASide(s.points, c, kFootWindow)) {
             ++skipped;
             continue;
         }
-        ++accepted;
-        SCOPED_TRACE(testing::Message() << "polygon " << accepted << ", " << s.points.size()
+        ++checked;
+        SCOPED_TRACE(testing::Message() << "polygon " << checked << ", " << s.points.size()
                                         << " vertices");
+        check(s);
+        if (testing::Test::HasFailure()) return;
+    }
+    EXPECT_EQ(checked, kPolygons);
+    testing::Test::RecordProperty("skipped", skipped);
+    EXPECT_LE(skipped, kMaxSkippedFraction * (checked + skipped));
+}
+
+TEST(MomentsProperty, StarShapedAboutCentroidMatchesClosedFormsBothOrientations) {
+    checkRandomPolygons(20240611, 0.3, true, [](const Sample& s) {
         expectMatchesClosedForms(s.points, s.size, true);
         expectMatchesClosedForms(reversed(s.points), s.size, true);
-        if (HasFailure()) return;
-    }
-    EXPECT_EQ(accepted, kPolygons);
-    RecordProperty("skipped", skipped);
-    EXPECT_LE(skipped, kMaxSkippedFraction * (accepted + skipped));
+    });
 }
 
 TEST(MomentsProperty, FanWithMixedTriangles) {
     // Deep random radii: the polygon is star-shaped about the point it was drawn around but
     // usually not about its centroid. Counter-clockwise lists still give the true moments; the
     // clockwise ones keep area and centroid (their matrix follows the combination rule).
-    xcRandomUniform rng(7);
-    int mixed = 0;
-    int skipped = 0;
-    for (int draw = 0; draw < kMaxDraws && mixed < kPolygons; ++draw) {
-        const Sample s = drawPolygon(rng, 0.02);
-        const xcVector<2> c = referenceMoments(s.points).center;
-        if (isStarShapedAbout(s.points, c, s.size)) continue;
-        if (hasFootJustOutsideASide(s.points, c, kFootWindow)) {
-            ++skipped;
-            continue;
-        }
-        ++mixed;
-        SCOPED_TRACE(testing::Message() << "polygon " << mixed << ", " << s.points.size()
-                                        << " vertices");
+    checkRandomPolygons(7, 0.02, false, [](const Sample& s) {
         expectMatchesClosedForms(s.points, s.size, true);
         expectMatchesClosedForms(reversed(s.points), s.size, false);
-        if (HasFailure()) return;
-    }
-    EXPECT_EQ(mixed, kPolygons);
-    RecordProperty("skipped", skipped);
-    EXPECT_LE(skipped, kMaxSkippedFraction * (mixed + skipped));
+    });
 }
 
 TEST(MomentsProperty, UnionOfTwoPartsIsTheSumOfTheirRecords) {

@@ -9,11 +9,13 @@
 #include <cmath>
 #include <cstddef>
 #include <ostream>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include <cntr/moments.h>
+#include <foundation/exception.h>
 #include <foundation/matrix.h>
 #include <foundation/random.h>
 #include <foundation/vector.h>
@@ -165,6 +167,19 @@ inline void expectRecordNear(const xc_InertiaData& actual, double area, const xc
     EXPECT_NEAR(m.element(1, 1), yy, tol);
     EXPECT_NEAR(m.element(0, 1), xy, tol);
     EXPECT_NEAR(m.element(1, 0), xy, tol);
+}
+
+/// Expects `call` to throw xcMathError::Singular with the foundation's error number and the
+/// given message.
+template <class Call>
+void expectSingular(Call call, const std::wstring& message) {
+    try {
+        call();
+        ADD_FAILURE() << "expected xcMathError::Singular";
+    } catch (const xcMathError::Singular& e) {
+        EXPECT_EQ(e.errorNumber(), xnErrorNumber::MathSingular);
+        EXPECT_EQ(e.message(), message);
+    }
 }
 
 }  // namespace moments_test
