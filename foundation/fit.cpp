@@ -27,9 +27,10 @@ constexpr double kCollinearRelativeSpread = 1e-12;
 // Fitted ellipses more elongated than this (r1 / r2) are rejected as degenerate: they are
 // segments in all but name, and the distance computation squares the ratio.
 constexpr double kMaxAxisRatio = 1e100;
-// Bisection on doubles ends after at most about 2100 halvings (the exponent range plus the
-// mantissa); this bound is generous and only guards against a logic error.
-constexpr int kMaxBisectionSteps = 4096;
+// Newton's method for the nearest point of an ellipse takes 2 or 3 steps typically and under 50
+// for the most elongated ellipses and extreme positions; the bound only turns a logic error into
+// an exception instead of a hang.
+constexpr int kMaxNewtonSteps = 200;
 constexpr std::size_t kEllipseMinPoints = 5;
 constexpr std::size_t kCircleMinPoints = 3;
 
@@ -240,52 +241,45 @@ xcEllipse fitEllipseOnce(const Points& points) {
     return ellipseFromConic(algebraicEllipse(points, frame), frame);
 }
 
-// Eberly's root of (r0 z0 / (s + r0))^2 + (z1 / (s + 1))^2 = 1 by bisection, for z0, z1 > 0,
-// r0 = (e0 / e1)^2 >= 1 and g the function's value at s = 0.
-double ellipseRoot(double r0, double z0, double z1, double g) {
-    const double n0 = r0 * z0;
-    double s0 = z1 - 1.0;
-    double s1 = g < 0.0 ? 0.0 : std::hypot(n0, z1) - 1.0;
-    double s = 0.0;
-    for (int step = 0; step < kMaxBisectionSteps; ++step) {
-        s = 0.5 * (s0 + s1);
-        if (s == s0 || s == s1) return s;
-        const double ratio0 = n0 / (s + r0);
-        const double ratio1 = z1 / (s + 1.0);
-        g = ratio0 * ratio0 + ratio1 * ratio1 - 1.0;
-        if (g > 0.0) {
-            s0 = s;
-        } else if (g < 0.0) {
-            s1 = s;
-        } else {
-            return s;
-        }
+// The nearest point of the ellipse x0^2 + x1^2 / e1^2 = 1 to (y0, y1), y0, y1 > 0, is
+// x0 = r0 y0 / (s + r0), x1 = y1 / (s + 1) with r0 = 1 / e1^2 and s the root of
+// g(s) = (r0 y0 / (s + r0))^2 + (z1 / (s + 1))^2 - 1, z1 = y1 / e1 (Eberly's reduction of the
+// quartic). With w = s + 1 (kept as the unknown so that tiny values do not cancel), g is convex
+// and decreasing for w > 0, and g <= 1 at w = max(z1, r0 y0 - r0 + 1): Newton's method from there
+// climbs to the root from the left without overshooting.
+double ellipseRootShifted(double r0, double y0, double z1) {
+    const double n0 = r0 * y0;
+    const double r0Minus1 = r0 - 1.0;
+    double w = std::max(z1, n0 - r0Minus1);
+    for (int step = 0; step < kMaxNewtonSteps; ++step) {
+        const double a = n0 / (w + r0Minus1);
+        const double b = z1 / w;
+        const double g = a * a + b * b - 1.0;
+        if (!(g > 0.0)) return w;  // at the root, or a rounding past it
+        const double next = w + g / (2.0 * a * a / (w + r0Minus1) + 2.0 * b * b / w);
+        if (!(next > w)) return w;  // no representable progress left
+        w = next;
     }
     throw xcFitError::Degenerate(kEllipseFit + L": point-to-ellipse distance did not converge");
 }
 
-// The distance from (y0, y1), both >= 0, to the axis-aligned ellipse with semi-axes e0 >= e1 > 0
-// centred at the origin.
-double distanceInFirstQuadrant(double e0, double e1, double y0, double y1) {
+// The distance from (y0, y1), both >= 0, to the ellipse x0^2 + x1^2 / e1^2 = 1, 0 < e1 <= 1.
+double distanceToUnitEllipse(double e1, double y0, double y1) {
     if (y1 > 0.0) {
         if (y0 == 0.0) return std::fabs(y1 - e1);
-        const double z0 = y0 / e0, z1 = y1 / e1;
-        const double g = z0 * z0 + z1 * z1 - 1.0;
-        if (g == 0.0) return 0.0;
-        const double r0 = (e0 / e1) * (e0 / e1);
-        const double s = ellipseRoot(r0, z0, z1, g);
-        const double x0 = r0 * y0 / (s + r0), x1 = y1 / (s + 1.0);
+        const double r0 = 1.0 / (e1 * e1);
+        const double w = ellipseRootShifted(r0, y0, y1 / e1);
+        const double x0 = r0 * y0 / (w + (r0 - 1.0));
+        const double x1 = y1 / w;
         return std::hypot(x0 - y0, x1 - y1);
     }
     // On the major axis: inside the evolute's cusp the nearest point is off the axis.
-    const double numer = e0 * y0;
-    const double denom = (e0 - e1) * (e0 + e1);
-    if (numer < denom) {
-        const double ratio = numer / denom;
-        const double x0 = e0 * ratio, x1 = e1 * std::sqrt(1.0 - ratio * ratio);
-        return std::hypot(x0 - y0, x1);
+    const double denom = (1.0 - e1) * (1.0 + e1);
+    if (y0 < denom) {
+        const double ratio = y0 / denom;
+        return std::hypot(ratio - y0, e1 * std::sqrt(1.0 - ratio * ratio));
     }
-    return std::fabs(y0 - e0);
+    return std::fabs(y0 - 1.0);
 }
 
 // Computed in units of r1, which keeps the intermediate squares in range for any ellipse size.
@@ -296,7 +290,7 @@ double distanceToEllipse(const xcEllipse& ellipse, const xcVector<2>& p) {
     const xcVector<2> d = p - ellipse.center().vector();
     const double along = std::fabs(c * d.x() + s * d.y()) / unit;
     const double across = std::fabs(c * d.y() - s * d.x()) / unit;
-    return unit * distanceInFirstQuadrant(1.0, ellipse.r2() / unit, along, across);
+    return unit * distanceToUnitEllipse(ellipse.r2() / unit, along, across);
 }
 
 // ---- Shared driver ---------------------------------------------------------------------------

@@ -121,9 +121,12 @@ void checkFinite(const std::vector<xcVector<2>>& points) {
     }
 }
 
-bool lexicographicLess(const xcVector<2>& p, const xcVector<2>& q) {
-    return p.x() < q.x() || (p.x() == q.x() && p.y() < q.y());
-}
+// A function object rather than a function pointer, so that std::sort inlines the comparison.
+struct LexicographicLess {
+    bool operator()(const xcVector<2>& p, const xcVector<2>& q) const {
+        return p.x() < q.x() || (p.x() == q.x() && p.y() < q.y());
+    }
+};
 
 // Appends `p` to a monotone chain under construction, first removing the chain's last vertices
 // while they fail to make a strict left turn (this drops collinear points).
@@ -139,7 +142,7 @@ void extendChain(std::vector<xcVector<2>>& chain, std::size_t chainStart, const 
 void xfConvexHull(const std::vector<xcVector<2>>& points, std::vector<xcVector<2>>& hull) {
     checkFinite(points);
     std::vector<xcVector<2>> sorted(points);
-    std::sort(sorted.begin(), sorted.end(), lexicographicLess);
+    std::sort(sorted.begin(), sorted.end(), LexicographicLess());
     sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
 
     std::vector<xcVector<2>> result;

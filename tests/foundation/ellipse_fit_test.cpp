@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <vector>
 
@@ -49,26 +51,33 @@ void expectEllipse(const xcEllipse& e, const xcVector<2>& centre, double r1, dou
     EXPECT_NEAR(e.rotation().toDouble(), rotation, angleTolerance);
 }
 
-// An independent orthogonal distance: dense sampling of the ellipse's parameter, then golden
-// section search around the best sample.
+// An independent orthogonal distance: the distance along the ellipse's parameter t is sampled
+// densely, and every sampled local minimum is refined by golden section search; the smallest
+// refined value wins.
 double bruteForceDistance(const xcEllipse& e, const xcVector<2>& p) {
     const double c = std::cos(e.rotation().toDouble()), s = std::sin(e.rotation().toDouble());
     const auto distanceAt = [&](double t) {
         const double u = e.r1() * std::cos(t), v = e.r2() * std::sin(t);
         return p.distance(e.center().vector() + xcVector<2>(c * u - s * v, s * u + c * v));
     };
-    const int samples = 20000;
+    const int samples = 2000;
     const double step = 2.0 * xcPi / samples;
-    int best = 0;
-    for (int k = 1; k < samples; ++k)
-        if (distanceAt(k * step) < distanceAt(best * step)) best = k;
-    double lo = (best - 1) * step, hi = (best + 1) * step;
+    std::vector<double> sampled(samples);
+    for (int k = 0; k < samples; ++k) sampled[k] = distanceAt(k * step);
     const double golden = (std::sqrt(5.0) - 1.0) / 2.0;
-    for (int i = 0; i < 200; ++i) {
-        const double m1 = hi - golden * (hi - lo), m2 = lo + golden * (hi - lo);
-        if (distanceAt(m1) < distanceAt(m2)) hi = m2; else lo = m1;
+    double best = std::numeric_limits<double>::infinity();
+    for (int k = 0; k < samples; ++k) {
+        if (sampled[k] > sampled[(k + 1) % samples] ||
+            sampled[k] > sampled[(k + samples - 1) % samples])
+            continue;
+        double lo = (k - 1) * step, hi = (k + 1) * step;
+        for (int i = 0; i < 100; ++i) {
+            const double m1 = hi - golden * (hi - lo), m2 = lo + golden * (hi - lo);
+            if (distanceAt(m1) < distanceAt(m2)) hi = m2; else lo = m1;
+        }
+        best = std::min(best, distanceAt(0.5 * (lo + hi)));
     }
-    return distanceAt(0.5 * (lo + hi));
+    return best;
 }
 
 // ---- Recovery of exact ellipses -------------------------------------------------------------
@@ -174,6 +183,55 @@ TEST(EllipseFit, RmsMatchesBruteForceOrthogonalDistance) {
     points.push_back({1.0 - 4.0 * std::cos(0.8), 2.0 - 4.0 * std::sin(0.8)});
     points.push_back({9.0, 9.0});
     const auto results = fit(points);
+    double sum = 0.0;
+    for (const xcVector<2>& p : points) {
+        const double dist = bruteForceDistance(results.ellipse(), p);
+        sum += dist * dist;
+    }
+    EXPECT_NEAR(results.error(), std::sqrt(sum / points.size()), 1e-9);
+}
+
+TEST(EllipseFit, RandomSetsRmsMatchesBruteForceOrthogonalDistance) {
+    // Noisy samples of ellipses from round to elongated (r2 / r1 down to 0.05), plus points
+    // scattered inside and around them.
+    for (std::uint64_t seed = 0; seed < 20; ++seed) {
+        SCOPED_TRACE(seed);
+        xcRandomUniform random(seed);
+        const double r1 = random.next(1.0, 10.0), r2 = r1 * random.next(0.05, 1.0);
+        const xcVector<2> centre(random.next(-5.0, 5.0), random.next(-5.0, 5.0));
+        const double noise = 0.02 * r2;
+        Points points = ellipseSamples(centre, r1, r2, random.next(0.0, xcPi), 30);
+        for (xcVector<2>& p : points)
+            p += xcVector<2>(random.next(-noise, noise), random.next(-noise, noise));
+        for (int k = 0; k < 10; ++k)
+            points.push_back(centre + xcVector<2>(random.next(-1.5 * r1, 1.5 * r1),
+                                                  random.next(-1.5 * r1, 1.5 * r1)));
+        const auto results = fit(points);
+        double sum = 0.0;
+        for (const xcVector<2>& p : points) {
+            const double dist = bruteForceDistance(results.ellipse(), p);
+            sum += dist * dist;
+        }
+        EXPECT_NEAR(results.error(), std::sqrt(sum / points.size()), 1e-9 * r1);
+    }
+}
+
+TEST(EllipseFit, PointsOnTheAxesMatchBruteForceOrthogonalDistance) {
+    // Every point comes with its mirror images in both axes, listed so that the odd moments
+    // cancel exactly: the fit is then centred exactly at the origin with rotation exactly 0, and
+    // the points put on the axes lie exactly on the fitted ellipse's axes. (+-1, 0) is inside
+    // the evolute's cusp, where the nearest point is off the axis; (+-4, 0), (0, +-0.5) and
+    // (0, +-2) are nearest to an axis end.
+    Points points;
+    for (int k = 1; k < 4; ++k) {
+        const double x = 4.0 * std::cos(k * xcPi / 8), y = std::sin(k * xcPi / 8);
+        points.insert(points.end(), {{x, y}, {-x, y}, {x, -y}, {-x, -y}});
+    }
+    points.insert(points.end(), {{1.0, 0.0}, {-1.0, 0.0}, {4.0, 0.0}, {-4.0, 0.0}});
+    points.insert(points.end(), {{0.0, 0.5}, {0.0, -0.5}, {0.0, 2.0}, {0.0, -2.0}});
+    const auto results = fit(points);
+    ASSERT_EQ(results.ellipse().center(), xcPoint(0.0, 0.0));
+    ASSERT_EQ(results.ellipse().rotation().toDouble(), 0.0);
     double sum = 0.0;
     for (const xcVector<2>& p : points) {
         const double dist = bruteForceDistance(results.ellipse(), p);
