@@ -1,0 +1,179 @@
+// Central second moments of triangles and polygons, and the combination of inertia records.
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+#include <cntr/moments.h>
+#include <foundation/exception.h>
+#include <foundation/geometry.h>
+
+namespace {
+
+/// Slack on the test "the foot of the altitude lies outside the base": the foot counts as
+/// outside only when the distance to the base's line is below the distance to the base segment
+/// by more than this, so a foot on a base corner is accepted despite rounding.
+constexpr double kFootOutsideSlack = 1e-10;
+/// A combined area within this of 0 has no meaningful centre; the centre is then (0, 0).
+constexpr double kNegligibleCombinedArea = 1e-16;
+/// Second-pass threshold on the magnitude of a fan triangle's area: triangles beyond it (in the
+/// sign of the mean) are summed before the remaining, smaller ones.
+constexpr double kSmallTriangleArea = 1e-6;
+/// A triangle has three sides to try as the base.
+constexpr int kTriangleSides = 3;
+
+/// Whether the area counts as zero for combination: exactly 0, or NaN.
+bool isNeutralArea(double area) { return !(area < 0.0) && !(area > 0.0); }
+
+/// Moments of the triangle (-a, 0), (b, 0), (0, h) with a, b, h >= 0: the base lies on the x axis
+/// with the foot of the altitude at the origin. Inside this helper the matrix holds the moment
+/// about the x axis (the integral of y^2) at (0,0) and the integral of x^2 at (1,1), the reverse
+/// of the public layout; triangleOnBase() reads it in this layout.
+xc_InertiaData canonicalTriangleInertiaData(double a, double b, double h) {
+    const double s = a + b;
+    const double area = s * h / 2.0;
+    const double gx = (b - a) / 3.0;
+    const double gy = h / 3.0;
+    // Integrals about the foot of the altitude ...
+    double jy = s * h * h * h / 12.0;
+    double jxy = (b * b - a * a) * h * h / 24.0;
+    double jx = (a * a * a + b * b * b) * h / 12.0;
+    // ... moved to the centroid (parallel-axis theorem).
+    jy -= area * gy * gy;
+    jx -= area * gx * gx;
+    jxy -= area * gx * gy;
+    return xc_InertiaData(area, xcVector<2>(gx, gy), xcMatrix<2>(jy, jxy, jxy, jx));
+}
+
+/// Moments of triangle (p0, p1, p2) in world coordinates, using p0-p1 (whose line is `base`) as
+/// the base; the foot of the altitude from p2 must lie on that side.
+xc_InertiaData triangleOnBase(const xcVector<2>& p0, const xcVector<2>& p1, const xcVector<2>& p2,
+                              const xcLine& base) {
+    const xcVector<2> foot = base.proj(p2);
+    const xc_InertiaData canonical = canonicalTriangleInertiaData(
+        (foot - p0).length(), (foot - p1).length(), (foot - p2).length());
+    double area = canonical.area();
+    xcVector<2> g = canonical.centerOfMass();
+    const xcMatrix<2>& m = canonical.inertiaMatrix();
+    const double jy = m.element(0, 0);
+    const double jx = m.element(1, 1);
+    double jxy = m.element(0, 1);
+    // Clockwise corners (or NaN) put p2 below the base: mirror in the base line. The diagonal
+    // stays positive; the area and the product moment change sign.
+    if (!((p1 - p0).cross(p2 - p0) >= 0.0)) {
+        area = -area;
+        g = xcVector<2>(g.x(), -g.y());
+        jxy = -jxy;
+    }
+    const xcRadian theta = (p1 - p0).angle();
+    const double c = std::cos(theta.toDouble());
+    const double s = std::sin(theta.toDouble());
+    const double xx = jx * c * c - 2.0 * jxy * s * c + jy * s * s;
+    const double yy = jx * s * s + 2.0 * jxy * s * c + jy * c * c;
+    const double xy = jx * s * c + jxy * (c * c - s * s) - jy * s * c;
+    const xcVector<2> center = foot + xcMatrix<2>(theta, theta, 1.0, 1.0) * g;
+    return xc_InertiaData(area, center, xcMatrix<2>(xx, xy, xy, yy));
+}
+
+/// Moments of triangle (p0, p1, p2) in world coordinates (sign convention of xc_InertiaData).
+/// The corners are rotated (keeping the orientation) until the foot of the altitude onto the
+/// side p0-p1 lies within that side. A true triangle always has such a side; when rounding
+/// rejects all three, trying again would never end, so this throws xcMathError::Singular.
+xc_InertiaData triangleInertiaData(xcVector<2> p0, xcVector<2> p1, xcVector<2> p2) {
+    for (int side = 0; side < kTriangleSides; ++side) {
+        const xcLineSeg seg(p0, p1);
+        const xcLine line = seg.line();
+        if (!(line.distToPoint(p2) < seg.distToPoint(p2) - kFootOutsideSlack))
+            return triangleOnBase(p0, p1, p2, line);
+        const xcVector<2> first = p0;
+        p0 = p1;
+        p1 = p2;
+        p2 = first;
+    }
+    throw xcMathError::Singular(
+        L"triangle moments: no side holds the foot of the opposite altitude");
+}
+
+/// Adds into `total`, in index order, every unmarked record that `admit` accepts, and marks it.
+template <class Admit>
+void addPass(xc_InertiaData& total, const std::vector<xc_InertiaData>& fan,
+             std::vector<bool>& added, Admit admit) {
+    for (std::size_t i = 0; i < fan.size(); ++i) {
+        if (added[i] || !admit(fan[i].area())) continue;
+        total = total + fan[i];
+        added[i] = true;
+    }
+}
+
+}  // namespace
+
+xc_InertiaData xc_InertiaData::operator+(const xc_InertiaData& other) {
+    if (isNeutralArea(area_)) return other;
+    if (isNeutralArea(other.area_)) return *this;
+
+    const double area = area_ + other.area_;
+    xcVector<2> center;
+    if (std::fabs(area) > kNegligibleCombinedArea)
+        center = (other.center_ * other.area_ + center_ * area_) / area;
+    const xcVector<2> dA = center - center_;
+    const xcVector<2> dB = center - other.center_;
+
+    // Parallel-axis weights and matrix factors. Same sign: plain sum with |area| weights.
+    // Opposite signs (or a NaN product): signed weights, and the member with the smaller signed
+    // area has its central moments subtracted.
+    double wA = area_;
+    double wB = other.area_;
+    double fA = 1.0;
+    double fB = 1.0;
+    const double product = area_ * other.area_;
+    if (product > 0.0) {
+        wA = std::fabs(wA);
+        wB = std::fabs(wB);
+    } else if (!(product >= 0.0)) {
+        if (area_ > other.area_)
+            fB = -1.0;
+        else
+            fA = -1.0;
+    }
+
+    const xcMatrix<2>& a = inertia_;
+    const xcMatrix<2>& b = other.inertia_;
+    const double xx = fA * a.element(0, 0) + wA * dA.x() * dA.x() + fB * b.element(0, 0) +
+                      wB * dB.x() * dB.x();
+    const double yy = fA * a.element(1, 1) + wA * dA.y() * dA.y() + fB * b.element(1, 1) +
+                      wB * dB.y() * dB.y();
+    const double xy = fA * a.element(0, 1) + wA * dA.x() * dA.y() + fB * b.element(0, 1) +
+                      wB * dB.x() * dB.y();
+    return xc_InertiaData(area, center, xcMatrix<2>(xx, xy, xy, yy));
+}
+
+xc_InertiaData xf_InertiaDataPolygon(const std::vector<xcVector<2>>& points) {
+    xc_InertiaData total;
+    const std::size_t n = points.size();
+    if (n < 3) return total;
+
+    // Fan of triangles (centroid, previous, current), one per edge, closing edge first.
+    const xcVector<2> c = xnContour::centerOfMass(points);
+    std::vector<xc_InertiaData> fan;
+    fan.reserve(n);
+    double sum = 0.0;
+    xcVector<2> previous = points.back();
+    for (const xcVector<2>& current : points) {
+        fan.push_back(triangleInertiaData(c, previous, current));
+        sum += fan.back().area();
+        previous = current;
+    }
+    const double mean = sum / static_cast<double>(n);
+
+    // Three passes fix the order of summation, large contributions first. The first test is
+    // kept as it stands: for a negative mean it admits every triangle whose area differs from
+    // the mean.
+    std::vector<bool> added(n, false);
+    addPass(total, fan, added,
+            [mean](double area) { return area > mean || (mean < 0.0 && area < mean); });
+    const double threshold = mean > 0.0 ? kSmallTriangleArea : -kSmallTriangleArea;
+    addPass(total, fan, added, [threshold](double area) {
+        return area > threshold || (threshold < 0.0 && area < threshold);
+    });
+    addPass(total, fan, added, [](double) { return true; });
+    return total;
+}
