@@ -19,6 +19,17 @@ xcFitError::Degenerate::~Degenerate() = default;
 xcFitError::RmsTooLarge::RmsTooLarge(const std::wstring& message) : xcExceptionT(message) {}
 xcFitError::RmsTooLarge::~RmsTooLarge() = default;
 
+
+// The fit errors can be stored in archives like the foundation's other exceptions.
+namespace {
+const xc_Instantiator kTooFewPointsClass(typeid(xcFitError::TooFewPoints),
+                                         &xcFitError::TooFewPoints::make);
+const xc_Instantiator kDegenerateClass(typeid(xcFitError::Degenerate),
+                                       &xcFitError::Degenerate::make);
+const xc_Instantiator kRmsTooLargeClass(typeid(xcFitError::RmsTooLarge),
+                                        &xcFitError::RmsTooLarge::make);
+}  // namespace
+
 namespace {
 
 // Points whose rms distance from their best-fit line is below this fraction of their rms

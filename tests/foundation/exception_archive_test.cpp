@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <foundation/archive.h>
+#include <foundation/fit.h>
 
 #include "archive_support.h"
 
@@ -52,6 +53,9 @@ TEST(ExceptionArchive, FoundationExceptionsRoundTripWithClassNumberAndMessage) {
         std::make_shared<xcArchive::ValueOutOfRange>(),
         std::make_shared<xcArchive::BadData>(),
         std::make_shared<xcArchive::UnregisteredClass>(),
+        std::make_shared<xcFitError::TooFewPoints>(),
+        std::make_shared<xcFitError::Degenerate>(L"collinear"),
+        std::make_shared<xcFitError::RmsTooLarge>(),
     };
     for (const auto& e : samples) {
         const std::unique_ptr<xcException> back = loadException(storeException(*e));
