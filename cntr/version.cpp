@@ -1,3 +1,5 @@
 #include <cntr/version.h>
 
-const char* xf_CntrVersion() { return CNTR_VERSION_STRING; }
+const char* xf_CntrVersion() {
+    return CNTR_VERSION_STRING;
+}

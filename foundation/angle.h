@@ -13,21 +13,24 @@ constexpr double xcPi = 3.141592653589793;
 
 /// An angle in radians.
 class xcRadian {
-public:
+  public:
     /// Zero.
     constexpr xcRadian() = default;
     /// The angle of `value` radians.
     constexpr explicit xcRadian(double value) : v_(value) {}
     /// Converts from degrees.
-    inline xcRadian(const xcDegree& d);  // NOLINT(google-explicit-constructor): lossless unit change
+    inline xcRadian(
+        const xcDegree& d);  // NOLINT(google-explicit-constructor): lossless unit change
     /// The value in radians.
     constexpr double toDouble() const { return v_; }
     /// The same direction mapped into [0, 2*pi). A NaN or infinite angle gives NaN.
     xcRadian norm() const {
         const double twoPi = 2.0 * xcPi;
         double r = std::fmod(v_, twoPi);
-        if (r < 0.0) r += twoPi;
-        if (r >= twoPi) r = 0.0;  // a tiny negative value can round up to 2*pi
+        if (r < 0.0)
+            r += twoPi;
+        if (r >= twoPi)
+            r = 0.0;  // a tiny negative value can round up to 2*pi
         return xcRadian(r);
     }
 
@@ -36,8 +39,14 @@ public:
     constexpr xcRadian operator-(const xcRadian& o) const { return xcRadian(v_ - o.v_); }
     constexpr xcRadian operator*(double s) const { return xcRadian(v_ * s); }
     constexpr xcRadian operator/(double s) const { return xcRadian(v_ / s); }
-    xcRadian& operator+=(const xcRadian& o) { v_ += o.v_; return *this; }
-    xcRadian& operator-=(const xcRadian& o) { v_ -= o.v_; return *this; }
+    xcRadian& operator+=(const xcRadian& o) {
+        v_ += o.v_;
+        return *this;
+    }
+    xcRadian& operator-=(const xcRadian& o) {
+        v_ -= o.v_;
+        return *this;
+    }
 
     constexpr bool operator==(const xcRadian& o) const { return v_ == o.v_; }
     constexpr bool operator!=(const xcRadian& o) const { return v_ != o.v_; }
@@ -46,15 +55,17 @@ public:
     constexpr bool operator<=(const xcRadian& o) const { return v_ <= o.v_; }
     constexpr bool operator>=(const xcRadian& o) const { return v_ >= o.v_; }
 
-private:
+  private:
     double v_ = 0.0;
 };
 
-constexpr xcRadian operator*(double s, const xcRadian& a) { return a * s; }
+constexpr xcRadian operator*(double s, const xcRadian& a) {
+    return a * s;
+}
 
 /// An angle in degrees.
 class xcDegree {
-public:
+  public:
     /// Zero.
     constexpr xcDegree() = default;
     /// The angle of `value` degrees.
@@ -77,22 +88,28 @@ public:
     constexpr bool operator<=(const xcDegree& o) const { return v_ <= o.v_; }
     constexpr bool operator>=(const xcDegree& o) const { return v_ >= o.v_; }
 
-private:
+  private:
     double v_ = 0.0;
 };
 
 inline xcRadian::xcRadian(const xcDegree& d) : v_(d.toDouble() * (xcPi / 180.0)) {}
 
-constexpr xcDegree operator*(double s, const xcDegree& a) { return a * s; }
+constexpr xcDegree operator*(double s, const xcDegree& a) {
+    return a * s;
+}
 
 /// Sine of an angle.
-inline double sin(const xcRadian& a) { return std::sin(a.toDouble()); }
+inline double sin(const xcRadian& a) {
+    return std::sin(a.toDouble());
+}
 /// Cosine of an angle.
-inline double cos(const xcRadian& a) { return std::cos(a.toDouble()); }
+inline double cos(const xcRadian& a) {
+    return std::cos(a.toDouble());
+}
 
 /// An angle in 256ths of a turn, held in one byte. Arithmetic wraps modulo 256 steps.
 class xcAngle8 {
-public:
+  public:
     /// Zero.
     constexpr xcAngle8() = default;
     /// The raw step `steps` modulo 256 (so xcAngle8(64) is a quarter turn).
@@ -118,12 +135,14 @@ public:
     constexpr bool operator==(const xcAngle8& o) const { return raw_ == o.raw_; }
     constexpr bool operator!=(const xcAngle8& o) const { return raw_ != o.raw_; }
 
-private:
+  private:
     static std::uint8_t fromTurns(double turns) {
         const double steps = std::round(turns * 256.0);
-        if (!std::isfinite(steps)) return 0;
+        if (!std::isfinite(steps))
+            return 0;
         double wrapped = std::fmod(steps, 256.0);
-        if (wrapped < 0.0) wrapped += 256.0;
+        if (wrapped < 0.0)
+            wrapped += 256.0;
         return static_cast<std::uint8_t>(static_cast<int>(wrapped) & 0xFF);
     }
     std::uint8_t raw_ = 0;

@@ -28,7 +28,8 @@ const char* xcException::what() const noexcept {
         what_ = xfToUtf8(message());
         if (what_.empty()) {
             char buf[40];
-            std::snprintf(buf, sizeof buf, "error 0x%lX", static_cast<unsigned long>(errorNumber()));
+            std::snprintf(buf, sizeof buf, "error 0x%lX",
+                          static_cast<unsigned long>(errorNumber()));
             what_ = buf;
         }
         return what_.c_str();
@@ -44,7 +45,8 @@ void xcException::dispatchSerialize(xcArchive& ar) {
     });
 }
 
-xcExceptionWithString::xcExceptionWithString(const std::wstring& message) : message_text_(message) {}
+xcExceptionWithString::xcExceptionWithString(const std::wstring& message)
+    : message_text_(message) {}
 xcExceptionWithString::xcExceptionWithString(const xcExceptionWithString& other)
     : xcPersistent(other), xcException(other), message_text_(other.message_text_) {}
 xcExceptionWithString& xcExceptionWithString::operator=(const xcExceptionWithString& other) {
@@ -54,7 +56,9 @@ xcExceptionWithString& xcExceptionWithString::operator=(const xcExceptionWithStr
 }
 xcExceptionWithString::~xcExceptionWithString() = default;
 
-void xcExceptionWithString::message_(std::wostream& os) const { os << message_text_; }
+void xcExceptionWithString::message_(std::wostream& os) const {
+    os << message_text_;
+}
 
 void xcExceptionWithString::dispatchSerialize(xcArchive& ar) {
     dispatchPart(ar, this, 0, [&](unsigned char version) {
@@ -73,8 +77,7 @@ xcPel::BadWindow::~BadWindow() = default;
 
 namespace {
 // The foundation's exceptions can be stored in archives like any persistent object.
-const xc_Instantiator kSingularClass(typeid(xcMathError::Singular),
-                                    &xcMathError::Singular::make);
+const xc_Instantiator kSingularClass(typeid(xcMathError::Singular), &xcMathError::Singular::make);
 const xc_Instantiator kNotFiniteClass(typeid(xcMathError::NotFinite),
                                       &xcMathError::NotFinite::make);
 const xc_Instantiator kBadWindowClass(typeid(xcPel::BadWindow), &xcPel::BadWindow::make);
@@ -87,7 +90,9 @@ void defaultAssertHandler(const char* file, int line) {
 std::atomic<xcAssertHandler> gAssertHandler{&defaultAssertHandler};
 }  // namespace
 
-void xstd_assert_(const char* file, int line) { gAssertHandler.load()(file, line); }
+void xstd_assert_(const char* file, int line) {
+    gAssertHandler.load()(file, line);
+}
 
 xcAssertHandler xfSetAssertHandler(xcAssertHandler handler) {
     return gAssertHandler.exchange(handler ? handler : &defaultAssertHandler);
@@ -105,7 +110,8 @@ std::string xfToUtf8(const std::wstring& text) {
                 ++i;
             }
         }
-        if ((c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF) c = 0xFFFD;
+        if ((c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF)
+            c = 0xFFFD;
         if (c < 0x80) {
             out += static_cast<char>(c);
         } else if (c < 0x800) {

@@ -11,7 +11,7 @@
 /// The base of every exception of this project's libraries. Each concrete class has an error
 /// number of its own; the message is optional and is written by message_().
 class FOUNDATION_API xcException : public virtual xcPersistent, public std::exception {
-public:
+  public:
     ~xcException() override;
 
     /// The error number that identifies the kind of error.
@@ -29,31 +29,31 @@ public:
     /// The record: one version byte (0) and the xcPersistent record.
     void dispatchSerialize(xcArchive& ar) override;
 
-protected:
+  protected:
     xcException() = default;
     xcException(const xcException& other);
     xcException& operator=(const xcException& other);
 
-private:
+  private:
     mutable std::string what_;
 };
 
 /// An exception carrying a message string.
 class FOUNDATION_API xcExceptionWithString : public xcException {
-public:
+  public:
     ~xcExceptionWithString() override;
     /// Writes the stored message.
     void message_(std::wostream& os) const override;
     /// The record: one version byte (0), the xcException record, then the message.
     void dispatchSerialize(xcArchive& ar) override;
 
-protected:
+  protected:
     explicit xcExceptionWithString(const std::wstring& message = std::wstring());
     xcExceptionWithString(const xcExceptionWithString& other);
     xcExceptionWithString& operator=(const xcExceptionWithString& other);
     const std::wstring& text() const { return message_text_; }
 
-private:
+  private:
     std::wstring message_text_;
 };
 
@@ -81,7 +81,7 @@ constexpr long ArchiveUnregisteredClass = 0x1000130A;
 /// Implements errorNumber(), suicideAndRethrow() and a factory of a concrete exception class Self.
 template <class Self, long Number, class Base = xcExceptionWithString>
 class xcExceptionT : public Base {
-public:
+  public:
     /// A new Self in its default state, for registering the class with xc_Instantiator.
     static xcPersistent* make() { return new Self(); }
     long errorNumber() const override { return Number; }
@@ -91,22 +91,22 @@ public:
         throw copy;
     }
 
-protected:
+  protected:
     using Base::Base;
 };
 
 /// Errors of the numeric layer.
 class FOUNDATION_API xcMathError {
-public:
+  public:
     /// A singular matrix, parallel lines, or a transform without an inverse.
     class FOUNDATION_API Singular : public xcExceptionT<Singular, xnErrorNumber::MathSingular> {
-    public:
+      public:
         explicit Singular(const std::wstring& message = L"singular matrix");
         ~Singular() override;
     };
     /// A NaN or infinite value where a finite one is needed.
     class FOUNDATION_API NotFinite : public xcExceptionT<NotFinite, xnErrorNumber::MathNotFinite> {
-    public:
+      public:
         explicit NotFinite(const std::wstring& message = L"non-finite coordinate");
         ~NotFinite() override;
     };
@@ -115,9 +115,9 @@ public:
 /// Errors of image-window operations; BadWindow is also raised by operations a class does not
 /// provide.
 class FOUNDATION_API xcPel {
-public:
+  public:
     class FOUNDATION_API BadWindow : public xcExceptionT<BadWindow, xnErrorNumber::PelBadWindow> {
-    public:
+      public:
         explicit BadWindow(const std::wstring& message = std::wstring());
         ~BadWindow() override;
     };

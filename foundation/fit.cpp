@@ -19,7 +19,6 @@ xcFitError::Degenerate::~Degenerate() = default;
 xcFitError::RmsTooLarge::RmsTooLarge(const std::wstring& message) : xcExceptionT(message) {}
 xcFitError::RmsTooLarge::~RmsTooLarge() = default;
 
-
 // The fit errors can be stored in archives like the foundation's other exceptions.
 namespace {
 const xc_Instantiator kTooFewPointsClass(typeid(xcFitError::TooFewPoints),

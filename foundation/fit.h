@@ -11,25 +11,26 @@
 
 /// Failures of the circle and ellipse fits.
 class FOUNDATION_API xcFitError {
-public:
+  public:
     /// Fewer points than the fit needs (after dropping the ignored ones).
     class FOUNDATION_API TooFewPoints
         : public xcExceptionT<TooFewPoints, xnErrorNumber::FitTooFewPoints> {
-    public:
+      public:
         explicit TooFewPoints(const std::wstring& message = L"too few points to fit");
         ~TooFewPoints() override;
     };
     /// The points determine no ellipse or circle (collinear points, a degenerate conic, an
     /// unsupported fit mode).
-    class FOUNDATION_API Degenerate : public xcExceptionT<Degenerate, xnErrorNumber::FitDegenerate> {
-    public:
+    class FOUNDATION_API Degenerate
+        : public xcExceptionT<Degenerate, xnErrorNumber::FitDegenerate> {
+      public:
         explicit Degenerate(const std::wstring& message = L"degenerate point configuration");
         ~Degenerate() override;
     };
     /// The fit's rms residual exceeds the allowed maximum.
     class FOUNDATION_API RmsTooLarge
         : public xcExceptionT<RmsTooLarge, xnErrorNumber::FitRmsTooLarge> {
-    public:
+      public:
         explicit RmsTooLarge(const std::wstring& message = L"fit residual exceeds maxRms");
         ~RmsTooLarge() override;
     };
@@ -45,18 +46,18 @@ struct xcEllipseFitDefs {
 
 /// Parameters of xfEllipseFit.
 class xcEllipseFitParams {
-public:
+  public:
     /// `angle` is used by constrained modes only; the `ignoreCount` points farthest from the
     /// first fit are dropped and the fit repeated; the fit fails when its rms exceeds `maxRms`.
-    xcEllipseFitParams(xcEllipseFitDefs::fit_mode mode, const xcRadian& angle,
-                       unsigned ignoreCount, double maxRms)
+    xcEllipseFitParams(xcEllipseFitDefs::fit_mode mode, const xcRadian& angle, unsigned ignoreCount,
+                       double maxRms)
         : mode_(mode), angle_(angle), ignore_(ignoreCount), maxRms_(maxRms) {}
     xcEllipseFitDefs::fit_mode mode() const { return mode_; }
     const xcRadian& angle() const { return angle_; }
     unsigned ignoreCount() const { return ignore_; }
     double maxRms() const { return maxRms_; }
 
-private:
+  private:
     xcEllipseFitDefs::fit_mode mode_;
     xcRadian angle_;
     unsigned ignore_;
@@ -65,15 +66,18 @@ private:
 
 /// Result of xfEllipseFit.
 class xcEllipseFitResults {
-public:
+  public:
     xcEllipseFitResults() = default;
     /// The fitted ellipse: r1 >= r2, rotation (the direction of r1) in [0, pi).
     const xcEllipse& ellipse() const { return ellipse_; }
     /// The root-mean-square orthogonal distance of the used points to the ellipse.
     double error() const { return error_; }
-    void set(const xcEllipse& e, double err) { ellipse_ = e; error_ = err; }
+    void set(const xcEllipse& e, double err) {
+        ellipse_ = e;
+        error_ = err;
+    }
 
-private:
+  private:
     xcEllipse ellipse_;
     double error_ = 0.0;
 };
@@ -104,7 +108,7 @@ struct xcCircleFitDefs {
 
 /// Parameters of xfCircleFit.
 class xcCircleFitParams {
-public:
+  public:
     /// `radiusHint` is used by constrained modes only; `ignoreCount` and `maxRms` as for the
     /// ellipse fit.
     xcCircleFitParams(xcCircleFitDefs::fit_mode mode, double radiusHint, unsigned ignoreCount,
@@ -115,7 +119,7 @@ public:
     unsigned ignoreCount() const { return ignore_; }
     double maxRms() const { return maxRms_; }
 
-private:
+  private:
     xcCircleFitDefs::fit_mode mode_;
     double hint_;
     unsigned ignore_;
@@ -124,14 +128,17 @@ private:
 
 /// Result of xfCircleFit.
 class xcCircleFitResults {
-public:
+  public:
     xcCircleFitResults() = default;
     const xcCircle& circle() const { return circle_; }
     /// The rms of |distance to centre - radius| over the used points.
     double error() const { return error_; }
-    void set(const xcCircle& c, double err) { circle_ = c; error_ = err; }
+    void set(const xcCircle& c, double err) {
+        circle_ = c;
+        error_ = err;
+    }
 
-private:
+  private:
     xcCircle circle_;
     double error_ = 0.0;
 };

@@ -12,11 +12,11 @@
 
 /// A position in the plane, convertible to and from xcVector<2>.
 class xcPoint {
-public:
+  public:
     /// (0, 0).
     constexpr xcPoint() = default;
     constexpr xcPoint(double x, double y) : v_(x, y) {}
-    constexpr xcPoint(const xcVector<2>& v) : v_(v) {}  // NOLINT(google-explicit-constructor)
+    constexpr xcPoint(const xcVector<2>& v) : v_(v) {}     // NOLINT(google-explicit-constructor)
     constexpr operator xcVector<2>() const { return v_; }  // NOLINT(google-explicit-constructor)
     constexpr double x() const { return v_.x(); }
     constexpr double y() const { return v_.y(); }
@@ -24,13 +24,13 @@ public:
     constexpr bool operator==(const xcPoint& o) const { return v_ == o.v_; }
     constexpr bool operator!=(const xcPoint& o) const { return v_ != o.v_; }
 
-private:
+  private:
     xcVector<2> v_;
 };
 
 /// An infinite line: a point on it and a unit direction.
 class xcLine {
-public:
+  public:
     /// The x axis.
     xcLine() = default;
     /// The line through `point` along `direction`, which is normalised; a zero direction gives
@@ -45,7 +45,8 @@ public:
         // x*x + y*y left the double range (or a component is not finite): bring the larger
         // component to 1 first so that the length can be formed.
         const double largest = std::max(std::fabs(direction.x()), std::fabs(direction.y()));
-        if (largest == 0.0) return;
+        if (largest == 0.0)
+            return;
         if (!std::isfinite(largest)) {
             dir_ = xcVector<2>(std::nan(""), std::nan(""));
             return;
@@ -64,7 +65,8 @@ public:
     }
     /// The crossing point. Throws xcMathError::Singular for parallel lines (see isParallel).
     xcVector<2> intersect(const xcLine& other) const {
-        if (isParallel(other)) throw xcMathError::Singular(L"parallel lines do not intersect");
+        if (isParallel(other))
+            throw xcMathError::Singular(L"parallel lines do not intersect");
         const double s = (other.p_ - p_).cross(other.dir_) / dir_.cross(other.dir_);
         return p_ + dir_ * s;
     }
@@ -76,14 +78,14 @@ public:
     /// The bound on the cross product of unit directions below which lines count as parallel.
     static constexpr double kParallelTolerance = 1e-12;
 
-private:
+  private:
     xcVector<2> p_;
     xcVector<2> dir_{1.0, 0.0};
 };
 
 /// A closed line segment from p1 to p2. The default runs from (0, 0) to (0, 0).
 class xcLineSeg {
-public:
+  public:
     xcLineSeg() = default;
     xcLineSeg(const xcVector<2>& p1, const xcVector<2>& p2) : p1_(p1), p2_(p2) {}
     const xcVector<2>& p1() const { return p1_; }
@@ -98,16 +100,19 @@ public:
     double distToPoint(const xcVector<2>& p) const {
         const xcVector<2> d = p2_ - p1_;
         const double dd = d.dot(d);
-        if (dd == 0.0) return p.distance(p1_);
+        if (dd == 0.0)
+            return p.distance(p1_);
         const double t = (p - p1_).dot(d) / dd;
-        if (t <= 0.0) return p.distance(p1_);
-        if (t >= 1.0) return p.distance(p2_);
+        if (t <= 0.0)
+            return p.distance(p1_);
+        if (t >= 1.0)
+            return p.distance(p2_);
         return p.distance(p1_ + d * t);
     }
     bool operator==(const xcLineSeg& o) const { return p1_ == o.p1_ && p2_ == o.p2_; }
     bool operator!=(const xcLineSeg& o) const { return !(*this == o); }
 
-private:
+  private:
     xcVector<2> p1_;
     xcVector<2> p2_;
 };
@@ -115,7 +120,7 @@ private:
 /// An axis-aligned rectangle held by its two corners: ul() has the smaller coordinates, lr() the
 /// larger. The default is the empty rectangle at (0, 0).
 class xcRect {
-public:
+  public:
     xcRect() = default;
     /// The rectangle spanned by `corner` and `corner + size`; negative sizes are allowed and
     /// normalised.
@@ -147,7 +152,7 @@ public:
     bool operator==(const xcRect& o) const { return ul_ == o.ul_ && lr_ == o.lr_; }
     bool operator!=(const xcRect& o) const { return !(*this == o); }
 
-private:
+  private:
     static xcRect fromCorners(const xcVector<2>& ul, const xcVector<2>& lr) {
         xcRect r;
         r.ul_ = ul;
@@ -160,7 +165,7 @@ private:
 
 /// A circle. The default has centre (0, 0) and radius 0.
 class xcCircle {
-public:
+  public:
     xcCircle() = default;
     xcCircle(const xcVector<2>& center, double radius) : c_(center), r_(radius) {}
     const xcVector<2>& center() const { return c_; }
@@ -168,14 +173,14 @@ public:
     bool operator==(const xcCircle& o) const { return c_ == o.c_ && r_ == o.r_; }
     bool operator!=(const xcCircle& o) const { return !(*this == o); }
 
-private:
+  private:
     xcVector<2> c_;
     double r_ = 0.0;
 };
 
 /// An ellipse: centre, radius r1 along the direction `rotation`, radius r2 across it.
 class xcEllipse {
-public:
+  public:
     /// The geometry record of an ellipse. The two flags are carried unchanged for the caller;
     /// the foundation does not interpret them.
     struct xcEllipseGeom {
@@ -213,13 +218,13 @@ public:
     }
     bool operator!=(const xcEllipse& o) const { return !(*this == o); }
 
-private:
+  private:
     xcEllipseGeom g_;
 };
 
 /// A polygon given by its vertices and a fill mode (a value carried for the caller).
 class xcPolygon {
-public:
+  public:
     xcPolygon() = default;
     explicit xcPolygon(const std::vector<xcVector<2>>& vertices, int fillMode = 0)
         : v_(vertices), fill_(fillMode) {}
@@ -228,14 +233,14 @@ public:
     bool operator==(const xcPolygon& o) const { return v_ == o.v_ && fill_ == o.fill_; }
     bool operator!=(const xcPolygon& o) const { return !(*this == o); }
 
-private:
+  private:
     std::vector<xcVector<2>> v_;
     int fill_ = 0;
 };
 
 /// An edge element: a position, a gradient magnitude and a gradient direction.
 class xcEdgelet {
-public:
+  public:
     xcEdgelet() = default;
     xcEdgelet(const xcVector<2>& position, std::uint16_t magnitude, const xcAngle8& angle)
         : pos_(position), mag_(magnitude), angle_(angle) {}
@@ -247,7 +252,7 @@ public:
     }
     bool operator!=(const xcEdgelet& o) const { return !(*this == o); }
 
-private:
+  private:
     xcVector<2> pos_;
     std::uint16_t mag_ = 0;
     xcAngle8 angle_;

@@ -11,7 +11,7 @@
 /// that a diamond holds one count). Copying an object does not copy its count: a copy starts
 /// unshared.
 class FOUNDATION_API xcRepBase {
-public:
+  public:
     /// The number of handles that currently hold this object.
     long refCount() const { return count_.load(std::memory_order_relaxed); }
 
@@ -19,16 +19,17 @@ public:
     void addRef() const { count_.fetch_add(1, std::memory_order_relaxed); }
     /// Drops one holder and deletes the object when it was the last.
     void release() const {
-        if (count_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+        if (count_.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            delete this;
     }
 
-protected:
+  protected:
     xcRepBase() = default;
     xcRepBase(const xcRepBase&) {}
     xcRepBase& operator=(const xcRepBase&) { return *this; }
     virtual ~xcRepBase();
 
-private:
+  private:
     mutable std::atomic<long> count_{0};
 };
 
@@ -38,11 +39,13 @@ class xcPtrHandle_const;
 namespace xn_handle_detail {
 template <class T>
 inline void acquire(const T* p) {
-    if (p) static_cast<const xcRepBase*>(p)->addRef();
+    if (p)
+        static_cast<const xcRepBase*>(p)->addRef();
 }
 template <class T>
 inline void drop(const T* p) {
-    if (p) static_cast<const xcRepBase*>(p)->release();
+    if (p)
+        static_cast<const xcRepBase*>(p)->release();
 }
 }  // namespace xn_handle_detail
 
@@ -51,7 +54,7 @@ inline void drop(const T* p) {
 /// identity of the referent.
 template <class T>
 class xcPtrHandle {
-public:
+  public:
     /// A null handle.
     xcPtrHandle() = default;
     /// Takes (shared) ownership of `p`, which must come from new (or be null).
@@ -86,14 +89,14 @@ public:
     bool isNull() const { return p_ == nullptr; }
     explicit operator bool() const { return p_ != nullptr; }
 
-private:
+  private:
     T* p_ = nullptr;
 };
 
 /// A counted handle to a const T; otherwise as xcPtrHandle. Mutable handles convert to it.
 template <class T>
 class xcPtrHandle_const {
-public:
+  public:
     xcPtrHandle_const() = default;
     explicit xcPtrHandle_const(const T* p) : p_(p) { xn_handle_detail::acquire(p_); }
     xcPtrHandle_const(const xcPtrHandle_const& o) : p_(o.p_) { xn_handle_detail::acquire(p_); }
@@ -129,26 +132,42 @@ public:
     bool isNull() const { return p_ == nullptr; }
     explicit operator bool() const { return p_ != nullptr; }
 
-private:
+  private:
     const T* p_ = nullptr;
 };
 
 /// Identity comparisons between handles of any constness and related types.
 template <class T, class U>
-bool operator==(const xcPtrHandle<T>& a, const xcPtrHandle<U>& b) { return a.rep() == b.rep(); }
+bool operator==(const xcPtrHandle<T>& a, const xcPtrHandle<U>& b) {
+    return a.rep() == b.rep();
+}
 template <class T, class U>
-bool operator!=(const xcPtrHandle<T>& a, const xcPtrHandle<U>& b) { return !(a == b); }
+bool operator!=(const xcPtrHandle<T>& a, const xcPtrHandle<U>& b) {
+    return !(a == b);
+}
 template <class T, class U>
-bool operator==(const xcPtrHandle_const<T>& a, const xcPtrHandle_const<U>& b) { return a.rep() == b.rep(); }
+bool operator==(const xcPtrHandle_const<T>& a, const xcPtrHandle_const<U>& b) {
+    return a.rep() == b.rep();
+}
 template <class T, class U>
-bool operator!=(const xcPtrHandle_const<T>& a, const xcPtrHandle_const<U>& b) { return !(a == b); }
+bool operator!=(const xcPtrHandle_const<T>& a, const xcPtrHandle_const<U>& b) {
+    return !(a == b);
+}
 template <class T, class U>
-bool operator==(const xcPtrHandle<T>& a, const xcPtrHandle_const<U>& b) { return a.rep() == b.rep(); }
+bool operator==(const xcPtrHandle<T>& a, const xcPtrHandle_const<U>& b) {
+    return a.rep() == b.rep();
+}
 template <class T, class U>
-bool operator!=(const xcPtrHandle<T>& a, const xcPtrHandle_const<U>& b) { return !(a == b); }
+bool operator!=(const xcPtrHandle<T>& a, const xcPtrHandle_const<U>& b) {
+    return !(a == b);
+}
 template <class T, class U>
-bool operator==(const xcPtrHandle_const<T>& a, const xcPtrHandle<U>& b) { return a.rep() == b.rep(); }
+bool operator==(const xcPtrHandle_const<T>& a, const xcPtrHandle<U>& b) {
+    return a.rep() == b.rep();
+}
 template <class T, class U>
-bool operator!=(const xcPtrHandle_const<T>& a, const xcPtrHandle<U>& b) { return !(a == b); }
+bool operator!=(const xcPtrHandle_const<T>& a, const xcPtrHandle<U>& b) {
+    return !(a == b);
+}
 
 #endif

@@ -13,7 +13,7 @@ class xcMatrix;
 /// identity.
 template <>
 class FOUNDATION_API xcMatrix<2> {
-public:
+  public:
     /// The zero matrix.
     constexpr xcMatrix() = default;
     /// [[e00, e01], [e10, e11]].
@@ -58,17 +58,20 @@ public:
     }
     bool operator!=(const xcMatrix& o) const { return !(*this == o); }
 
-private:
+  private:
     double e_[4] = {0.0, 0.0, 0.0, 0.0};
 };
 
-inline xcMatrix<2> operator*(double s, const xcMatrix<2>& m) { return m * s; }
+inline xcMatrix<2> operator*(double s, const xcMatrix<2>& m) {
+    return m * s;
+}
 
 /// True when every element differs by at most eps.
 inline bool xfRealEq(const xcMatrix<2>& a, const xcMatrix<2>& b, double eps) {
     for (int r = 0; r < 2; ++r)
         for (int c = 0; c < 2; ++c)
-            if (!xfRealEq(a.element(r, c), b.element(r, c), eps)) return false;
+            if (!xfRealEq(a.element(r, c), b.element(r, c), eps))
+                return false;
     return true;
 }
 
@@ -78,7 +81,7 @@ class xcXform;
 /// An affine planar transform: p -> matrix * p + trans. The default is the identity.
 template <>
 class FOUNDATION_API xcXform<2> {
-public:
+  public:
     /// The identity.
     xcXform() : m_(1.0, 0.0, 0.0, 1.0) {}
     xcXform(const xcMatrix<2>& matrix, const xcVector<2>& trans) : m_(matrix), t_(trans) {}
@@ -102,7 +105,7 @@ public:
     bool operator==(const xcXform& o) const { return m_ == o.m_ && t_ == o.t_; }
     bool operator!=(const xcXform& o) const { return !(*this == o); }
 
-private:
+  private:
     xcMatrix<2> m_;
     xcVector<2> t_;
 };

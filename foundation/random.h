@@ -10,7 +10,7 @@
 /// platform and compiler. The bits are SplitMix64 (state += 0x9E3779B97F4A7C15, then the
 /// published two multiply-xorshift rounds); a double in [0, 1) is the top 53 bits times 2^-53.
 class FOUNDATION_API xcRandomUniform {
-public:
+  public:
     explicit xcRandomUniform(std::uint64_t seed) : state_(seed) {}
 
     /// The next value, uniform in [lo, hi) for finite lo < hi, including ranges wider than the
@@ -20,7 +20,8 @@ public:
         const double u = static_cast<double>(nextBits() >> 11) * 0x1.0p-53;  // in [0, 1)
         const double span = hi - lo;
         // A finite positive span implies finite bounds; everything else takes the slow path.
-        if (!(span > 0.0 && span <= DBL_MAX)) return nextUnusual(lo, hi, u);
+        if (!(span > 0.0 && span <= DBL_MAX))
+            return nextUnusual(lo, hi, u);
         const double v = lo + span * u;
         return v < hi ? v : below(hi, lo);
     }
@@ -32,7 +33,7 @@ public:
         return z ^ (z >> 31);
     }
 
-private:
+  private:
     /// The largest double below hi (rounding can carry lo + span * u up to hi).
     static double below(double hi, double lo);
     /// next() for non-finite bounds, an empty range, or a span that overflows.

@@ -58,7 +58,8 @@ struct ThreadSentinel {
                 }
                 todo.swap(it->second);
             }
-            for (auto c = todo.rbegin(); c != todo.rend(); ++c) c->first(c->second);
+            for (auto c = todo.rbegin(); c != todo.rend(); ++c)
+                c->first(c->second);
         }
     }
 };
@@ -74,7 +75,9 @@ void* xc_ThreadLocal::OSValue() const {
     return it == values.end() ? nullptr : it->second;
 }
 
-void xc_ThreadLocal::OSValue(void* value) { threadValues()[key_] = value; }
+void xc_ThreadLocal::OSValue(void* value) {
+    threadValues()[key_] = value;
+}
 
 xcThreadID xfGetCurrentThreadID() {
     thread_local ThreadSentinel sentinel;
@@ -82,9 +85,11 @@ xcThreadID xfGetCurrentThreadID() {
 }
 
 void xcThreadID::atexit(const xcThreadID& thread, Callback callback, void* argument) {
-    if (!callback) return;
+    if (!callback)
+        return;
     ExitRegistry& r = exitRegistry();
     std::lock_guard<std::mutex> lock(r.mutex);
-    if (r.live.count(thread.id_) == 0) return;
+    if (r.live.count(thread.id_) == 0)
+        return;
     r.callbacks[thread.id_].emplace_back(callback, argument);
 }

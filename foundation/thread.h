@@ -8,7 +8,7 @@
 /// A process-wide slot holding one pointer per thread. A thread that has not set its value
 /// reads null. The slot does not own the pointers.
 class FOUNDATION_API xc_ThreadLocal {
-public:
+  public:
     xc_ThreadLocal();
     ~xc_ThreadLocal();
     xc_ThreadLocal(const xc_ThreadLocal&) = delete;
@@ -19,13 +19,13 @@ public:
     /// Sets the calling thread's value.
     void OSValue(void* value);
 
-private:
+  private:
     std::uint64_t key_;
 };
 
 /// Identifies a thread.
 class FOUNDATION_API xcThreadID {
-public:
+  public:
     using Callback = void (*)(void* argument);
 
     /// Registers `callback(argument)` to run when `thread` ends (for the main thread: at
@@ -37,7 +37,7 @@ public:
     bool operator!=(const xcThreadID& o) const { return id_ != o.id_; }
     std::uint64_t value() const { return id_; }
 
-private:
+  private:
     friend FOUNDATION_API xcThreadID xfGetCurrentThreadID();
     explicit xcThreadID(std::uint64_t id) : id_(id) {}
     std::uint64_t id_;

@@ -9,7 +9,7 @@
 /// A pair of values. For xcPair<long> used as a grid cell, x() is the column and y() the row.
 template <class T>
 class xcPair {
-public:
+  public:
     constexpr xcPair() = default;
     constexpr xcPair(T x, T y) : x_(x), y_(y) {}
     constexpr T x() const { return x_; }
@@ -17,7 +17,7 @@ public:
     constexpr bool operator==(const xcPair& o) const { return x_ == o.x_ && y_ == o.y_; }
     constexpr bool operator!=(const xcPair& o) const { return !(*this == o); }
 
-private:
+  private:
     T x_{};
     T y_{};
 };
@@ -28,7 +28,7 @@ class xcVector;
 /// A 2-D vector of doubles.
 template <>
 class xcVector<2> {
-public:
+  public:
     /// (0, 0).
     constexpr xcVector() = default;
     /// (x, y).
@@ -46,15 +46,35 @@ public:
     constexpr double operator[](int i) const { return v_[i]; }
     double& operator[](int i) { return v_[i]; }
 
-    constexpr xcVector operator+(const xcVector& o) const { return {v_[0] + o.v_[0], v_[1] + o.v_[1]}; }
-    constexpr xcVector operator-(const xcVector& o) const { return {v_[0] - o.v_[0], v_[1] - o.v_[1]}; }
+    constexpr xcVector operator+(const xcVector& o) const {
+        return {v_[0] + o.v_[0], v_[1] + o.v_[1]};
+    }
+    constexpr xcVector operator-(const xcVector& o) const {
+        return {v_[0] - o.v_[0], v_[1] - o.v_[1]};
+    }
     constexpr xcVector operator-() const { return {-v_[0], -v_[1]}; }
     constexpr xcVector operator*(double s) const { return {v_[0] * s, v_[1] * s}; }
     constexpr xcVector operator/(double s) const { return {v_[0] / s, v_[1] / s}; }
-    xcVector& operator+=(const xcVector& o) { v_[0] += o.v_[0]; v_[1] += o.v_[1]; return *this; }
-    xcVector& operator-=(const xcVector& o) { v_[0] -= o.v_[0]; v_[1] -= o.v_[1]; return *this; }
-    xcVector& operator*=(double s) { v_[0] *= s; v_[1] *= s; return *this; }
-    xcVector& operator/=(double s) { v_[0] /= s; v_[1] /= s; return *this; }
+    xcVector& operator+=(const xcVector& o) {
+        v_[0] += o.v_[0];
+        v_[1] += o.v_[1];
+        return *this;
+    }
+    xcVector& operator-=(const xcVector& o) {
+        v_[0] -= o.v_[0];
+        v_[1] -= o.v_[1];
+        return *this;
+    }
+    xcVector& operator*=(double s) {
+        v_[0] *= s;
+        v_[1] *= s;
+        return *this;
+    }
+    xcVector& operator/=(double s) {
+        v_[0] /= s;
+        v_[1] /= s;
+        return *this;
+    }
 
     /// Dot product.
     constexpr double dot(const xcVector& o) const { return v_[0] * o.v_[0] + v_[1] * o.v_[1]; }
@@ -68,14 +88,18 @@ public:
     xcRadian angle() const { return xcRadian(std::atan2(v_[1], v_[0])); }
 
     /// Exact component-wise equality (use xfRealEq for a tolerance).
-    constexpr bool operator==(const xcVector& o) const { return v_[0] == o.v_[0] && v_[1] == o.v_[1]; }
+    constexpr bool operator==(const xcVector& o) const {
+        return v_[0] == o.v_[0] && v_[1] == o.v_[1];
+    }
     constexpr bool operator!=(const xcVector& o) const { return !(*this == o); }
 
-private:
+  private:
     double v_[2] = {0.0, 0.0};
 };
 
-constexpr xcVector<2> operator*(double s, const xcVector<2>& v) { return v * s; }
+constexpr xcVector<2> operator*(double s, const xcVector<2>& v) {
+    return v * s;
+}
 
 /// True when each component differs by at most eps.
 inline bool xfRealEq(const xcVector<2>& a, const xcVector<2>& b, double eps) {

@@ -12,7 +12,9 @@ xcPtrHandle<xc2XformBase> xc2XformLinear::clone() const {
     return xcPtrHandle<xc2XformBase>(new xc2XformLinear(x_));
 }
 
-xcPersistent* xc2XformLinear::make() { return new xc2XformLinear(); }
+xcPersistent* xc2XformLinear::make() {
+    return new xc2XformLinear();
+}
 xc_Instantiator xc2XformLinear::sExemplar(typeid(xc2XformLinear), &xc2XformLinear::make);
 
 void xc2XformLinear::dispatchSerialize(xcArchive& ar) {

@@ -9,7 +9,7 @@
 
 /// An abstract planar transform, shared through counted handles and storable in archives.
 class FOUNDATION_API xc2XformBase : public virtual xcPersistent, public virtual xcRepBase {
-public:
+  public:
     ~xc2XformBase() override;
     /// The image of `p`.
     virtual xcVector<2> mapPoint(const xcVector<2>& p) const = 0;
@@ -18,7 +18,7 @@ public:
     /// A new transform equal to this one.
     virtual xcPtrHandle<xc2XformBase> clone() const = 0;
 
-protected:
+  protected:
     xc2XformBase() = default;
     xc2XformBase(const xc2XformBase&) = default;
     xc2XformBase& operator=(const xc2XformBase&) = default;
@@ -26,7 +26,7 @@ protected:
 
 /// The affine transform of an xcXform<2>. The default is the identity.
 class FOUNDATION_API xc2XformLinear : public xc2XformBase {
-public:
+  public:
     xc2XformLinear() = default;
     explicit xc2XformLinear(const xcXform<2>& xform) : x_(xform) {}
     ~xc2XformLinear() override;
@@ -41,7 +41,7 @@ public:
     /// (row-major) and the two translation components, as doubles.
     void dispatchSerialize(xcArchive& ar) override;
 
-private:
+  private:
     static xcPersistent* make();
     static xc_Instantiator sExemplar;
     xcXform<2> x_;

@@ -6,7 +6,9 @@
 
 namespace {
 
-TEST(Angle8, NinetyDegreesIsStep64) { EXPECT_EQ(xcAngle8(xcDegree(90.0)).raw(), 64); }
+TEST(Angle8, NinetyDegreesIsStep64) {
+    EXPECT_EQ(xcAngle8(xcDegree(90.0)).raw(), 64);
+}
 
 TEST(Angle8, RawConstructorWrapsModulo256) {
     EXPECT_EQ(xcAngle8(256).raw(), 0);

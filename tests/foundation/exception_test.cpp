@@ -15,7 +15,7 @@ namespace {
 // A concrete exception of the test's own that counts its live instances, so that the freeing
 // done by suicideAndRethrow can be observed directly.
 class CountedError : public xcExceptionT<CountedError, 0x7E570001> {
-public:
+  public:
     explicit CountedError(const std::wstring& message) : xcExceptionT(message) { ++live; }
     CountedError(const CountedError& other) : xcPersistent(other), xcExceptionT(other) { ++live; }
     ~CountedError() override { --live; }
@@ -26,8 +26,7 @@ int CountedError::live = 0;
 TEST(Exception, WhatIsTheMessageInUtf8) {
     // e acute U+00E9 -> C3 A9; U+4E2D -> E4 B8 AD; U+1F600 -> F0 9F 98 80.
     const xcMathError::Singular e(L"caf\u00e9 \u4e2d \U0001F600");
-    EXPECT_EQ(std::string(e.what()),
-              "caf\xC3\xA9 \xE4\xB8\xAD \xF0\x9F\x98\x80");
+    EXPECT_EQ(std::string(e.what()), "caf\xC3\xA9 \xE4\xB8\xAD \xF0\x9F\x98\x80");
     EXPECT_EQ(e.message(), L"caf\u00e9 \u4e2d \U0001F600");
 }
 
@@ -53,7 +52,8 @@ TEST(Exception, MessageWritesTheStoredText) {
 
 TEST(Exception, CopyKeepsMessageAndNumber) {
     const xcMathError::Singular original(L"copied \u00fc");
-    const xcMathError::Singular copy(original);  // NOLINT(performance-unnecessary-copy-initialization)
+    const xcMathError::Singular copy(
+        original);  // NOLINT(performance-unnecessary-copy-initialization)
     EXPECT_EQ(copy.message(), original.message());
     EXPECT_EQ(copy.errorNumber(), original.errorNumber());
     EXPECT_STREQ(copy.what(), "copied \xC3\xBC");
@@ -136,10 +136,9 @@ TEST(SuicideAndRethrow, ThrowsTheConcreteTypeOfEachFoundationError) {
     std::vector<xcException*> heap = {new xcMathError::NotFinite, new xcPel::BadWindow(L"w"),
                                       new xcArchive::UnknownVersion("src", 7),
                                       new xcArchive::Truncated};
-    std::vector<const std::type_info*> types = {&typeid(xcMathError::NotFinite),
-                                                &typeid(xcPel::BadWindow),
-                                                &typeid(xcArchive::UnknownVersion),
-                                                &typeid(xcArchive::Truncated)};
+    std::vector<const std::type_info*> types = {
+        &typeid(xcMathError::NotFinite), &typeid(xcPel::BadWindow),
+        &typeid(xcArchive::UnknownVersion), &typeid(xcArchive::Truncated)};
     for (std::size_t i = 0; i < heap.size(); ++i) {
         const long number = heap[i]->errorNumber();
         try {
@@ -179,7 +178,9 @@ TEST(SuicideAndRethrow, FreesTheObject) {
     EXPECT_EQ(CountedError::live, 0);
 }
 
-TEST(Utf8, AsciiIsUnchanged) { EXPECT_EQ(xfToUtf8(L"abc 123 ~"), "abc 123 ~"); }
+TEST(Utf8, AsciiIsUnchanged) {
+    EXPECT_EQ(xfToUtf8(L"abc 123 ~"), "abc 123 ~");
+}
 
 TEST(Utf8, EncodesEachSequenceLength) {
     EXPECT_EQ(xfToUtf8(std::wstring(1, L'\x7F')), "\x7F");
@@ -198,12 +199,15 @@ TEST(Utf8, EncodesEachSequenceLength) {
 }
 
 TEST(Utf8, InvalidCodePointsBecomeReplacementCharacter) {
-    if (sizeof(wchar_t) < 4) GTEST_SKIP() << "needs 32-bit wchar_t";
+    if (sizeof(wchar_t) < 4)
+        GTEST_SKIP() << "needs 32-bit wchar_t";
     // A lone surrogate and a value past U+10FFFF are no characters: U+FFFD is EF BF BD.
     EXPECT_EQ(xfToUtf8(std::wstring(1, wchar_t(0xD800))), "\xEF\xBF\xBD");
     EXPECT_EQ(xfToUtf8(std::wstring(1, wchar_t(0xDFFF))), "\xEF\xBF\xBD");
     EXPECT_EQ(xfToUtf8(std::wstring(1, wchar_t(0x110000))), "\xEF\xBF\xBD");
-    EXPECT_EQ(xfToUtf8(std::wstring{L'a', wchar_t(0xDC00), L'b'}), "a\xEF\xBF\xBD" "b");
+    EXPECT_EQ(xfToUtf8(std::wstring{L'a', wchar_t(0xDC00), L'b'}),
+              "a\xEF\xBF\xBD"
+              "b");
 }
 
 TEST(Utf8, EmbeddedNulIsKept) {

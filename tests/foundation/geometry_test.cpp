@@ -60,7 +60,8 @@ TEST(Line, HugeDirectionIsNormalised) {
 TEST(Line, TinyDirectionIsNormalised) {
     // 1e-170^2 underflows to 0; (3e-170, 4e-170) is still the direction (0.6, 0.8).
     const xcLine l(V(), V(3e-170, 4e-170));
-    EXPECT_TRUE(xfRealEq(l.direction(), V(0.6, 0.8), 1e-15)) << testing::PrintToString(l.direction());
+    EXPECT_TRUE(xfRealEq(l.direction(), V(0.6, 0.8), 1e-15))
+        << testing::PrintToString(l.direction());
     const double tiny = std::numeric_limits<double>::denorm_min();
     EXPECT_EQ(xcLine(V(), V(0.0, tiny)).direction(), V(0, 1));
 }
@@ -87,7 +88,7 @@ TEST(Line, ParallelIgnoresDirectionSignAndPosition) {
     const xcLine a(V(0, 0), V(1, 1));
     EXPECT_TRUE(a.isParallel(a));
     EXPECT_TRUE(a.isParallel(xcLine(V(5, -2), V(-2, -2))));  // opposite direction
-    EXPECT_TRUE(a.isParallel(xcLine(V(7, 7), V(3, 3))));      // the same line
+    EXPECT_TRUE(a.isParallel(xcLine(V(7, 7), V(3, 3))));     // the same line
     EXPECT_FALSE(a.isParallel(xcLine(V(0, 0), V(1, -1))));
 }
 
@@ -101,8 +102,8 @@ TEST(Line, ParallelToleranceIsOnUnitDirections) {
 
 TEST(Line, IntersectCrossingLines) {
     // y = x meets x = 4 at (4, 4).
-    EXPECT_TRUE(xfRealEq(xcLine(V(0, 0), V(1, 1)).intersect(xcLine(V(4, 0), V(0, 1))), V(4, 4),
-                         1e-14));
+    EXPECT_TRUE(
+        xfRealEq(xcLine(V(0, 0), V(1, 1)).intersect(xcLine(V(4, 0), V(0, 1))), V(4, 4), 1e-14));
     // The x axis meets the line through (2, 3) along (1, -1) where 3 - t = 0: (5, 0).
     EXPECT_TRUE(xfRealEq(xcLine().intersect(xcLine(V(2, 3), V(1, -1))), V(5, 0), 1e-14));
     // Order does not matter.
@@ -329,7 +330,8 @@ TEST(Ellipse, DefaultIsZero) {
 }
 
 TEST(Ellipse, FromGeometryRecord) {
-    const xcEllipse e(xcEllipse::xcEllipseGeom(xcPoint(3, 4), 5.0, 2.0, xcRadian(0.25), true, false));
+    const xcEllipse e(
+        xcEllipse::xcEllipseGeom(xcPoint(3, 4), 5.0, 2.0, xcRadian(0.25), true, false));
     EXPECT_EQ(e.center(), xcPoint(3, 4));
     EXPECT_EQ(e.r1(), 5.0);
     EXPECT_EQ(e.r2(), 2.0);
@@ -337,7 +339,8 @@ TEST(Ellipse, FromGeometryRecord) {
     EXPECT_TRUE(e.flag1());
     EXPECT_FALSE(e.flag2());
     EXPECT_EQ(e.geom().r1, 5.0);
-    const xcEllipse other(xcEllipse::xcEllipseGeom(xcPoint(3, 4), 5.0, 2.0, xcRadian(0.25), true, true));
+    const xcEllipse other(
+        xcEllipse::xcEllipseGeom(xcPoint(3, 4), 5.0, 2.0, xcRadian(0.25), true, true));
     EXPECT_NE(e, other);  // the flags take part in equality
 }
 

@@ -10,7 +10,7 @@ namespace {
 
 // Counts live instances so that tests can see exactly when the last handle deletes.
 class Tracked : public virtual xcRepBase {
-public:
+  public:
     explicit Tracked(int value = 0) : value_(value) { ++live; }
     Tracked(const Tracked& other) : xcRepBase(other), value_(other.value_) { ++live; }
     ~Tracked() override { --live; }
@@ -18,13 +18,13 @@ public:
     void value(int v) { value_ = v; }
     static int live;
 
-private:
+  private:
     int value_;
 };
 int Tracked::live = 0;
 
 class TrackedChild : public Tracked {
-public:
+  public:
     explicit TrackedChild(int value) : Tracked(value) {}
     int twice() const { return 2 * value(); }
 };
@@ -35,7 +35,7 @@ class Right : public virtual xcRepBase {};
 class Diamond : public Left, public Right, public Tracked {};
 
 class HandleTest : public testing::Test {
-protected:
+  protected:
     void SetUp() override { Tracked::live = 0; }
     void TearDown() override { EXPECT_EQ(Tracked::live, 0) << "an object leaked or was kept"; }
 };
@@ -249,7 +249,8 @@ TEST_F(HandleTest, ManyHandlesInAContainer) {
     std::vector<xcPtrHandle_const<Tracked>> handles;
     {
         const xcPtrHandle<Tracked> original(new Tracked(1));
-        for (int i = 0; i < 1000; ++i) handles.emplace_back(original);
+        for (int i = 0; i < 1000; ++i)
+            handles.emplace_back(original);
         EXPECT_EQ(original.rep()->refCount(), 1001);
     }
     EXPECT_EQ(Tracked::live, 1);
@@ -275,7 +276,8 @@ TEST_F(HandleTest, CountIsSafeAcrossThreads) {
     }
     EXPECT_GE(shared.rep()->refCount(), 1);
     shared = xcPtrHandle<Tracked>();
-    for (std::thread& t : threads) t.join();
+    for (std::thread& t : threads)
+        t.join();
     EXPECT_EQ(Tracked::live, 0);
 }
 

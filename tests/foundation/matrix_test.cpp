@@ -22,7 +22,8 @@ constexpr double kCos30 = 0.86602540378443865;
 TEST(Matrix, DefaultIsZero) {
     const M m;
     for (int r = 0; r < 2; ++r)
-        for (int c = 0; c < 2; ++c) EXPECT_EQ(m.element(r, c), 0.0) << r << "," << c;
+        for (int c = 0; c < 2; ++c)
+            EXPECT_EQ(m.element(r, c), 0.0) << r << "," << c;
 }
 
 TEST(Matrix, IdentityConstant) {
@@ -60,11 +61,11 @@ TEST(Matrix, ZeroAnglesAndUnitScalesGiveTheIdentity) {
 TEST(Matrix, AnglesAndScalesGiveTheStatedColumns) {
     // Columns xScale * (cos xRot, sin xRot) and yScale * (-sin yRot, cos yRot).
     // xRot 90, yRot 0, scales 2 and 3: columns (0, 2) and (0, 3).
-    EXPECT_TRUE(xfRealEq(M(xcRadian(xcPi / 2.0), xcRadian(0.0), 2.0, 3.0), M(0.0, 0.0, 2.0, 3.0),
-                         1e-15));
+    EXPECT_TRUE(
+        xfRealEq(M(xcRadian(xcPi / 2.0), xcRadian(0.0), 2.0, 3.0), M(0.0, 0.0, 2.0, 3.0), 1e-15));
     // xRot 0, yRot 90, scales 2 and 3: columns (2, 0) and (-3, 0).
-    EXPECT_TRUE(xfRealEq(M(xcRadian(0.0), xcRadian(xcPi / 2.0), 2.0, 3.0), M(2.0, -3.0, 0.0, 0.0),
-                         1e-15));
+    EXPECT_TRUE(
+        xfRealEq(M(xcRadian(0.0), xcRadian(xcPi / 2.0), 2.0, 3.0), M(2.0, -3.0, 0.0, 0.0), 1e-15));
     // xRot 30, yRot 60, scales 2 and 4: columns 2 (cos 30, sin 30) = (sqrt 3, 1) and
     // 4 (-sin 60, cos 60) = (-2 sqrt 3, 2).
     const M m(xcRadian(xcDegree(30.0)), xcRadian(xcDegree(60.0)), 2.0, 4.0);
@@ -156,7 +157,8 @@ TEST(Matrix, RandomProductsAndInverses) {
     for (int i = 0; i < 200; ++i) {
         const M a(gen.next(-3, 3), gen.next(-3, 3), gen.next(-3, 3), gen.next(-3, 3));
         const M b(gen.next(-3, 3), gen.next(-3, 3), gen.next(-3, 3), gen.next(-3, 3));
-        if (std::fabs(a.determinant()) < 0.5 || std::fabs(b.determinant()) < 0.5) continue;
+        if (std::fabs(a.determinant()) < 0.5 || std::fabs(b.determinant()) < 0.5)
+            continue;
         ++checked;
         EXPECT_TRUE(xfRealEq(a * a.inverse(), M::I, 1e-12)) << i;
         EXPECT_TRUE(xfRealEq((a * b).inverse(), b.inverse() * a.inverse(), 1e-10)) << i;

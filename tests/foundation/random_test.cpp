@@ -16,7 +16,7 @@ namespace {
 // SplitMix64 written out here from its published description, independently of the library:
 // the state advances by the golden-ratio increment and each output is the mixed state.
 class ReferenceSplitMix64 {
-public:
+  public:
     explicit ReferenceSplitMix64(std::uint64_t seed) : state_(seed) {}
     std::uint64_t next() {
         state_ += UINT64_C(0x9E3779B97F4A7C15);
@@ -29,12 +29,14 @@ public:
         return z;
     }
 
-private:
+  private:
     std::uint64_t state_;
 };
 
 // The top 53 bits of a draw as a fraction of 2^53, in [0, 1).
-double unitFromBits(std::uint64_t bits) { return std::ldexp(static_cast<double>(bits >> 11), -53); }
+double unitFromBits(std::uint64_t bits) {
+    return std::ldexp(static_cast<double>(bits >> 11), -53);
+}
 
 TEST(ReferenceSplitMix64, MatchesThePublishedFirstOutputsOfSeedZero) {
     // Guards the reference itself: the widely quoted first outputs for seed 0.
@@ -58,11 +60,13 @@ TEST(RandomUniform, SeedOneUnitValuesArePinned) {
     const std::int64_t mantissas[] = {5103132997656651, 6717404888216029, 8746015278458442,
                                       4002432008702041, 4001580682190902};
     xcRandomUniform gen(1);
-    for (std::int64_t m : mantissas) EXPECT_EQ(gen.next(0.0, 1.0), std::ldexp(double(m), -53));
+    for (std::int64_t m : mantissas)
+        EXPECT_EQ(gen.next(0.0, 1.0), std::ldexp(double(m), -53));
 }
 
 TEST(RandomUniform, FollowsTheReferenceAlgorithmForManySeeds) {
-    for (std::uint64_t seed : {UINT64_C(0), UINT64_C(1), UINT64_C(42), UINT64_C(0xFFFFFFFFFFFFFFFF)}) {
+    for (std::uint64_t seed :
+         {UINT64_C(0), UINT64_C(1), UINT64_C(42), UINT64_C(0xFFFFFFFFFFFFFFFF)}) {
         xcRandomUniform gen(seed);
         ReferenceSplitMix64 ref(seed);
         for (int i = 0; i < 1000; ++i) {
@@ -79,14 +83,16 @@ TEST(RandomUniform, FollowsTheReferenceAlgorithmForManySeeds) {
 
 TEST(RandomUniform, SameSeedGivesSameSequence) {
     xcRandomUniform a(12345), b(12345);
-    for (int i = 0; i < 1000; ++i) ASSERT_EQ(a.next(-10.0, 10.0), b.next(-10.0, 10.0)) << i;
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_EQ(a.next(-10.0, 10.0), b.next(-10.0, 10.0)) << i;
 }
 
 TEST(RandomUniform, DifferentSeedsGiveDifferentSequences) {
     xcRandomUniform a(1), b(2);
     int equal = 0;
     for (int i = 0; i < 100; ++i)
-        if (a.nextBits() == b.nextBits()) ++equal;
+        if (a.nextBits() == b.nextBits())
+            ++equal;
     EXPECT_EQ(equal, 0);
 }
 
@@ -115,7 +121,8 @@ TEST(RandomUniform, RangeWiderThanTheLargestDouble) {
     int negative = 0;
     constexpr int kDraws = 2000;
     for (int i = 0; i < kDraws; ++i)
-        if (gen.next(-DBL_MAX, DBL_MAX) < 0.0) ++negative;
+        if (gen.next(-DBL_MAX, DBL_MAX) < 0.0)
+            ++negative;
     EXPECT_GT(negative, kDraws / 2 - 150);
     EXPECT_LT(negative, kDraws / 2 + 150);
 }
@@ -124,13 +131,15 @@ TEST(RandomUniform, RangeOfOneUlpGivesLo) {
     // [1, next double after 1) holds only 1; rounding of 1 + 2^-52 * u must not reach hi.
     const double hi = std::nextafter(1.0, 2.0);
     xcRandomUniform gen(5);
-    for (int i = 0; i < 1000; ++i) ASSERT_EQ(gen.next(1.0, hi), 1.0) << i;
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_EQ(gen.next(1.0, hi), 1.0) << i;
 }
 
 TEST(RandomUniform, RangeOfTheSmallestSubnormal) {
     const double tiny = std::numeric_limits<double>::denorm_min();
     xcRandomUniform gen(5);
-    for (int i = 0; i < 1000; ++i) ASSERT_EQ(gen.next(0.0, tiny), 0.0) << i;
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_EQ(gen.next(0.0, tiny), 0.0) << i;
 }
 
 TEST(RandomUniform, TinyRangesStayInRange) {
@@ -174,10 +183,12 @@ TEST(RandomUniform, UnitValuesAreEvenlySpread) {
     constexpr int kBins = 10;
     std::vector<int> bins(kBins, 0);
     xcRandomUniform gen(2024);
-    for (int i = 0; i < kDraws; ++i) ++bins[static_cast<int>(gen.next(0.0, 1.0) * kBins)];
+    for (int i = 0; i < kDraws; ++i)
+        ++bins[static_cast<int>(gen.next(0.0, 1.0) * kBins)];
     const double expected = double(kDraws) / kBins;
     double chi2 = 0.0;
-    for (int n : bins) chi2 += (n - expected) * (n - expected) / expected;
+    for (int n : bins)
+        chi2 += (n - expected) * (n - expected) / expected;
     EXPECT_LT(chi2, 40.0);
 }
 
@@ -185,8 +196,10 @@ TEST(RandomUniform, FloorOfDrawCoversEveryPosition) {
     // The contour memo picks a victim as floor(next(0, s)); every position must be reachable.
     xcRandomUniform gen(1);
     std::vector<int> hits(4, 0);
-    for (int i = 0; i < 400; ++i) ++hits[static_cast<std::size_t>(std::floor(gen.next(0.0, 4.0)))];
-    for (int h : hits) EXPECT_GT(h, 0);
+    for (int i = 0; i < 400; ++i)
+        ++hits[static_cast<std::size_t>(std::floor(gen.next(0.0, 4.0)))];
+    for (int h : hits)
+        EXPECT_GT(h, 0);
 }
 
 }  // namespace

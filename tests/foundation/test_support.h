@@ -20,11 +20,13 @@ inline void PrintTo(const xcVector<2>& v, std::ostream* os) {
     *os << "(" << v.x() << ", " << v.y() << ")";
 }
 
-inline void PrintTo(const xcPoint& p, std::ostream* os) { PrintTo(p.vector(), os); }
+inline void PrintTo(const xcPoint& p, std::ostream* os) {
+    PrintTo(p.vector(), os);
+}
 
 inline void PrintTo(const xcMatrix<2>& m, std::ostream* os) {
-    *os << "[[" << m.element(0, 0) << ", " << m.element(0, 1) << "], [" << m.element(1, 0)
-        << ", " << m.element(1, 1) << "]]";
+    *os << "[[" << m.element(0, 0) << ", " << m.element(0, 1) << "], [" << m.element(1, 0) << ", "
+        << m.element(1, 1) << "]]";
 }
 
 inline void PrintTo(const xcXform<2>& x, std::ostream* os) {
@@ -48,11 +50,11 @@ testing::AssertionResult throwsError(Call&& call, long number, const char* what 
         call();
     } catch (const xcException& e) {
         if (e.errorNumber() != number)
-            return testing::AssertionFailure() << std::hex << "error number 0x" << e.errorNumber()
-                                               << ", expected 0x" << number;
+            return testing::AssertionFailure()
+                   << std::hex << "error number 0x" << e.errorNumber() << ", expected 0x" << number;
         if (what && std::strcmp(e.what(), what) != 0)
-            return testing::AssertionFailure() << "what() is \"" << e.what() << "\", expected \""
-                                               << what << "\"";
+            return testing::AssertionFailure()
+                   << "what() is \"" << e.what() << "\", expected \"" << what << "\"";
         return testing::AssertionSuccess();
     }
     return testing::AssertionFailure() << "no exception";

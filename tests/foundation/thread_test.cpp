@@ -27,7 +27,9 @@ void recordCall(void* argument) {
     ++entry->log->calls;
 }
 
-void setFlag(void* argument) { static_cast<std::atomic<bool>*>(argument)->store(true); }
+void setFlag(void* argument) {
+    static_cast<std::atomic<bool>*>(argument)->store(true);
+}
 
 TEST(ThreadID, SameWithinAThread) {
     EXPECT_EQ(xfGetCurrentThreadID(), xfGetCurrentThreadID());
@@ -137,7 +139,9 @@ TEST(ThreadAtExit, NullCallbackIsIgnored) {
 
 // A callback that registers another one while its thread is ending.
 std::atomic<int> gChainRuns{0};
-void chainSecond(void*) { gChainRuns += 10; }
+void chainSecond(void*) {
+    gChainRuns += 10;
+}
 void chainFirst(void*) {
     gChainRuns += 1;
     xcThreadID::atexit(xfGetCurrentThreadID(), &chainSecond, nullptr);
@@ -244,10 +248,12 @@ TEST(ThreadLocal, ManyThreadsEachSeeTheirOwnValue) {
         threads.emplace_back([&, i] {
             slot.OSValue(&values[i]);
             for (int k = 0; k < 1000; ++k)
-                if (slot.OSValue() != &values[i]) ++mismatches;
+                if (slot.OSValue() != &values[i])
+                    ++mismatches;
         });
     }
-    for (std::thread& t : threads) t.join();
+    for (std::thread& t : threads)
+        t.join();
     EXPECT_EQ(mismatches.load(), 0);
 }
 

@@ -24,7 +24,8 @@ xcPtrHandle<xc2XformBase> makeLinear(const X& x) {
 
 const xc2XformLinear& asLinear(const xcPtrHandle<xc2XformBase>& h) {
     const auto* linear = dynamic_cast<const xc2XformLinear*>(h.rep());
-    if (!linear) throw std::logic_error("not a linear transform");
+    if (!linear)
+        throw std::logic_error("not a linear transform");
     return *linear;
 }
 
@@ -34,7 +35,9 @@ TEST(XformLinear, DefaultIsIdentity) {
     EXPECT_EQ(t.mapPoint(V(3.5, -2)), V(3.5, -2));
 }
 
-TEST(XformLinear, KeepsItsXform) { EXPECT_EQ(xc2XformLinear(kTurn).xform(), kTurn); }
+TEST(XformLinear, KeepsItsXform) {
+    EXPECT_EQ(xc2XformLinear(kTurn).xform(), kTurn);
+}
 
 TEST(XformLinear, MapPointIsMatrixThenTranslation) {
     const xc2XformLinear t(kTurn);

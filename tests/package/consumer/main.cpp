@@ -5,7 +5,8 @@
 #include <foundation/foundation.h>
 
 int main() {
-    const xcXform<2> rot(xcMatrix<2>(xcRadian(xcPi / 2), xcRadian(xcPi / 2), 1.0, 1.0), xcVector<2>());
+    const xcXform<2> rot(xcMatrix<2>(xcRadian(xcPi / 2), xcRadian(xcPi / 2), 1.0, 1.0),
+                         xcVector<2>());
     const xcVector<2> p = rot * xcVector<2>(1.0, 0.0);
     bool ok = std::strlen(xf_CntrVersion()) > 0 && xfRealEq(p, xcVector<2>(0.0, 1.0), 1e-12);
     try {
