@@ -19,7 +19,8 @@ constexpr double kNegligibleTotalCross = 1e-6;
 /// of `items`, edges in the library's order (closing edge first).
 template <class T, class PositionOf>
 double unsignedArea(const std::vector<T>& items, PositionOf positionOf) {
-    if (items.empty()) return 0.0;
+    if (items.empty())
+        return 0.0;
     double sum = 0.0;
     xcVector<2> previous = positionOf(items.back());
     for (const T& item : items) {
@@ -45,7 +46,8 @@ xcVector<2> triangleCentroid(const xcVector<2>& a, const xcVector<2>& b, const x
 std::vector<xcVector<2>> moments_detail::positionsOf(const std::vector<xcEdgelet>& edgelets) {
     std::vector<xcVector<2>> points;
     points.reserve(edgelets.size());
-    for (const xcEdgelet& e : edgelets) points.push_back(e.position());
+    for (const xcEdgelet& e : edgelets)
+        points.push_back(e.position());
     return points;
 }
 
@@ -54,12 +56,14 @@ double xf_Area(const std::vector<xcVector<2>>& points) {
 }
 
 double xf_Area(const std::vector<xcEdgelet>& edgelets) {
-    if (edgelets.size() < 3) return 0.0;
+    if (edgelets.size() < 3)
+        return 0.0;
     return unsignedArea(edgelets, [](const xcEdgelet& e) { return e.position(); });
 }
 
 xcVector<2> xnContour::centerOfMass(const std::vector<xcVector<2>>& points) {
-    if (points.size() <= 2) return xcVector<2>();
+    if (points.size() <= 2)
+        return xcVector<2>();
     // Fan of triangles (origin, previous, current), each centroid weighted by the signed
     // doubled area; the common sign makes the result independent of the orientation.
     const xcVector<2> origin;
@@ -77,7 +81,8 @@ xcVector<2> xnContour::centerOfMass(const std::vector<xcVector<2>>& points) {
         }
         previous = current;
     }
-    if (xfRealEq(sumWeights, 0.0, kNegligibleTotalCross)) return xcVector<2>();
+    if (xfRealEq(sumWeights, 0.0, kNegligibleTotalCross))
+        return xcVector<2>();
     return xcVector<2>(sumX / sumWeights, sumY / sumWeights);
 }
 

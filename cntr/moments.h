@@ -23,7 +23,7 @@
 /// The record of one triangle always holds the true moments of the triangle (positive diagonal);
 /// only its area carries its orientation.
 class CNTR_API xc_InertiaData {
-public:
+  public:
     /// The record holding exactly the given values (by default all zero).
     explicit xc_InertiaData(double area = 0.0, const xcVector<2>& centerOfMass = xcVector<2>(),
                             const xcMatrix<2>& inertiaMatrix = xcMatrix<2>())
@@ -50,7 +50,7 @@ public:
     /// documented behaviour. Deliberately a non-const member.
     xc_InertiaData operator+(const xc_InertiaData& other);
 
-private:
+  private:
     double area_;
     xcVector<2> center_;
     xcMatrix<2> inertia_;

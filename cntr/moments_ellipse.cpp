@@ -13,14 +13,16 @@ constexpr double kZeroPrincipalMoment = 1e-12;
 constexpr double kPiSquared = 9.869604401089358;
 
 /// The eighth root of a non-negative value, taken as three successive square roots.
-double eighthRoot(double v) { return std::sqrt(std::sqrt(std::sqrt(v))); }
+double eighthRoot(double v) {
+    return std::sqrt(std::sqrt(std::sqrt(v)));
+}
 
 }  // namespace
 
 xcEllipse xf_EllipseFromInertiaData(const xc_InertiaData& data) {
     const xcMatrix<2>& m = data.inertiaMatrix();
-    const xcRadian theta(
-        std::atan2(2.0 * m.element(0, 1), m.element(0, 0) - m.element(1, 1)) / 2.0);
+    const xcRadian theta(std::atan2(2.0 * m.element(0, 1), m.element(0, 0) - m.element(1, 1)) /
+                         2.0);
     const xcMatrix<2> rotate(theta, theta, 1.0, 1.0);
     const xcMatrix<2> rotateBack(-theta, -theta, 1.0, 1.0);
     // The principal moments: along theta (a) and across it (b).
@@ -39,9 +41,11 @@ xcEllipse xf_EllipseFromInertiaData(const xc_InertiaData& data) {
 double xf_StdDev(const std::vector<double>& values) {
     const double n = static_cast<double>(values.size());
     double sum = 0.0;
-    for (double v : values) sum += v;
+    for (double v : values)
+        sum += v;
     const double mean = sum / n;
     double squares = 0.0;
-    for (double v : values) squares += (v - mean) * (v - mean);
+    for (double v : values)
+        squares += (v - mean) * (v - mean);
     return std::sqrt(squares / n);
 }

@@ -19,8 +19,7 @@ constexpr double kNoFitRms = -1.0;
 
 void xf_FitEllipse(const std::vector<xcVector<2>>& points, xcEllipse& ellipse, double& rms) {
     try {
-        const xcEllipseFitParams params(xcEllipseFitDefs::fitAll, xcRadian(0.0), 0u,
-                                        kUnlimitedRms);
+        const xcEllipseFitParams params(xcEllipseFitDefs::fitAll, xcRadian(0.0), 0u, kUnlimitedRms);
         xcEllipseFitResults results;
         xfEllipseFit(params, points, results);
         ellipse = results.ellipse();

@@ -22,7 +22,9 @@ constexpr double kSmallTriangleArea = 1e-6;
 constexpr int kTriangleSides = 3;
 
 /// Whether the area counts as zero for combination: exactly 0, or NaN.
-bool isNeutralArea(double area) { return !(area < 0.0) && !(area > 0.0); }
+bool isNeutralArea(double area) {
+    return !(area < 0.0) && !(area > 0.0);
+}
 
 /// Moments of the triangle (-a, 0), (b, 0), (0, h) with a, b, h >= 0: the base lies on the x axis
 /// with the foot of the altitude at the origin. Inside this helper the matrix holds the moment
@@ -98,7 +100,8 @@ template <class Admit>
 void addPass(xc_InertiaData& total, const std::vector<xc_InertiaData>& fan,
              std::vector<bool>& added, Admit admit) {
     for (std::size_t i = 0; i < fan.size(); ++i) {
-        if (added[i] || !admit(fan[i].area())) continue;
+        if (added[i] || !admit(fan[i].area()))
+            continue;
         total = total + fan[i];
         added[i] = true;
     }
@@ -107,8 +110,10 @@ void addPass(xc_InertiaData& total, const std::vector<xc_InertiaData>& fan,
 }  // namespace
 
 xc_InertiaData xc_InertiaData::operator+(const xc_InertiaData& other) {
-    if (isNeutralArea(area_)) return other;
-    if (isNeutralArea(other.area_)) return *this;
+    if (isNeutralArea(area_))
+        return other;
+    if (isNeutralArea(other.area_))
+        return *this;
 
     const double area = area_ + other.area_;
     xcVector<2> center;
@@ -137,19 +142,20 @@ xc_InertiaData xc_InertiaData::operator+(const xc_InertiaData& other) {
 
     const xcMatrix<2>& a = inertia_;
     const xcMatrix<2>& b = other.inertia_;
-    const double xx = fA * a.element(0, 0) + wA * dA.x() * dA.x() + fB * b.element(0, 0) +
-                      wB * dB.x() * dB.x();
-    const double yy = fA * a.element(1, 1) + wA * dA.y() * dA.y() + fB * b.element(1, 1) +
-                      wB * dB.y() * dB.y();
-    const double xy = fA * a.element(0, 1) + wA * dA.x() * dA.y() + fB * b.element(0, 1) +
-                      wB * dB.x() * dB.y();
+    const double xx =
+        fA * a.element(0, 0) + wA * dA.x() * dA.x() + fB * b.element(0, 0) + wB * dB.x() * dB.x();
+    const double yy =
+        fA * a.element(1, 1) + wA * dA.y() * dA.y() + fB * b.element(1, 1) + wB * dB.y() * dB.y();
+    const double xy =
+        fA * a.element(0, 1) + wA * dA.x() * dA.y() + fB * b.element(0, 1) + wB * dB.x() * dB.y();
     return xc_InertiaData(area, center, xcMatrix<2>(xx, xy, xy, yy));
 }
 
 xc_InertiaData xf_InertiaDataPolygon(const std::vector<xcVector<2>>& points) {
     xc_InertiaData total;
     const std::size_t n = points.size();
-    if (n < 3) return total;
+    if (n < 3)
+        return total;
 
     // Fan of triangles (centroid, previous, current), one per edge, closing edge first.
     const xcVector<2> c = xnContour::centerOfMass(points);

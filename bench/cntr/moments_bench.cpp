@@ -33,13 +33,15 @@ void perVertex(benchmark::State& state) {
 
 void BM_Area(benchmark::State& state) {
     const std::vector<xcVector<2>> p = starPolygon(state.range(0));
-    for (auto _ : state) benchmark::DoNotOptimize(xf_Area(p));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(xf_Area(p));
     perVertex(state);
 }
 
 void BM_InertiaDataPolygon(benchmark::State& state) {
     const std::vector<xcVector<2>> p = starPolygon(state.range(0));
-    for (auto _ : state) benchmark::DoNotOptimize(xf_InertiaDataPolygon(p));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(xf_InertiaDataPolygon(p));
     perVertex(state);
 }
 

@@ -23,7 +23,8 @@ constexpr double kTol = 1e-12;
 
 std::vector<xcEdgelet> edgeletsAt(const Points& points) {
     std::vector<xcEdgelet> out;
-    for (const xcVector<2>& p : points) out.emplace_back(p, std::uint16_t{7}, xcAngle8(3));
+    for (const xcVector<2>& p : points)
+        out.emplace_back(p, std::uint16_t{7}, xcAngle8(3));
     return out;
 }
 
@@ -63,7 +64,9 @@ TEST(MomentsArea, OnePointAndTwoPointsGiveZero) {
     EXPECT_EQ(xf_Area(Points{{2, 5}, {7, -1}}), 0.0);  // cross terms cancel: -37 + 37
 }
 
-TEST(MomentsArea, EmptyListGivesZero) { EXPECT_EQ(xf_Area(Points{}), 0.0); }
+TEST(MomentsArea, EmptyListGivesZero) {
+    EXPECT_EQ(xf_Area(Points{}), 0.0);
+}
 
 TEST(MomentsArea, CollinearPointsGiveZero) {
     // Crosses of (3,2)x(1,0), (1,0)x(2,1), (2,1)x(3,2): -2 + 1 + 1 = 0.
@@ -182,8 +185,11 @@ TEST(MomentsCenterOfMass, ParallelMediansOfAThinFanTriangleThrowSingular) {
     const xcLine m1 = xcLineSeg(xcVector<2>(), (a + b) / 2.0).line();
     const xcLine m2 = xcLineSeg(a, b / 2.0).line();
     ASSERT_TRUE(m1.isParallel(m2));
-    moments_test::expectSingular([&a, &b] { xnContour::centerOfMass(Points{{0, 0}, a, b}); },
-                                 L"parallel lines do not intersect");
+    moments_test::expectSingular(
+        [&a, &b] {
+            xnContour::centerOfMass(Points{{0, 0}, a, b});
+        },
+        L"parallel lines do not intersect");
 }
 
 }  // namespace

@@ -46,7 +46,8 @@ TEST(EllipseFromInertia, RectangleFourByTwo) {
 }
 
 TEST(EllipseFromInertia, RectanglePolygonRecord) {
-    const xcEllipse e = xf_EllipseFromInertiaData(xf_InertiaDataPolygon(moments_test::rectangle(-2, -1, 2, 1)));
+    const xcEllipse e =
+        xf_EllipseFromInertiaData(xf_InertiaDataPolygon(moments_test::rectangle(-2, -1, 2, 1)));
     EXPECT_NEAR(e.rotation().toDouble(), 0.0, kTol);
     EXPECT_NEAR(e.r1(), semiAxis(32.0 / 3, 8.0 / 3), kTol);
     EXPECT_NEAR(e.r2(), semiAxis(8.0 / 3, 32.0 / 3), kTol);
@@ -75,8 +76,8 @@ TEST(EllipseFromInertia, RotatedRecordGivesItsAngle) {
     // Principal moments a = 32/3 along 30 degrees, b = 8/3 across: with c^2 = 3/4, s^2 = 1/4,
     // s c = sqrt(3)/4: M(0,0) = a c^2 + b s^2 = 26/3, M(1,1) = a s^2 + b c^2 = 14/3,
     // M(0,1) = (a - b) s c = 2 sqrt(3). atan2(4 sqrt(3), 4) / 2 = pi/3 / 2 = pi/6.
-    const xcEllipse e = xf_EllipseFromInertiaData(
-        centralRecord(26.0 / 3, 14.0 / 3, 2 * std::sqrt(3.0), {5, -7}));
+    const xcEllipse e =
+        xf_EllipseFromInertiaData(centralRecord(26.0 / 3, 14.0 / 3, 2 * std::sqrt(3.0), {5, -7}));
     EXPECT_NEAR(e.rotation().toDouble(), kPi / 6, kTol);
     EXPECT_NEAR(e.r1(), semiAxis(32.0 / 3, 8.0 / 3), 1e-11);
     EXPECT_NEAR(e.r2(), semiAxis(8.0 / 3, 32.0 / 3), 1e-11);
@@ -121,7 +122,9 @@ void expectSingular(const xc_InertiaData& data) {
                                  L"inertia data with a zero principal moment has no ellipse");
 }
 
-TEST(EllipseFromInertia, ZeroRecordIsSingular) { expectSingular(xc_InertiaData()); }
+TEST(EllipseFromInertia, ZeroRecordIsSingular) {
+    expectSingular(xc_InertiaData());
+}
 
 TEST(EllipseFromInertia, RecordOfTooFewPointsIsSingular) {
     expectSingular(xf_InertiaDataPolygon(Points{{0, 0}, {1, 0}}));
@@ -158,8 +161,12 @@ TEST(StdDev, DividesByCountNotCountMinusOne) {
     EXPECT_EQ(xf_StdDev({2, 4, 4, 4, 5, 5, 7, 9}), 2.0);
 }
 
-TEST(StdDev, SingleValueIsZero) { EXPECT_EQ(xf_StdDev({42.5}), 0.0); }
+TEST(StdDev, SingleValueIsZero) {
+    EXPECT_EQ(xf_StdDev({42.5}), 0.0);
+}
 
-TEST(StdDev, EmptyListIsNan) { EXPECT_TRUE(std::isnan(xf_StdDev({}))); }
+TEST(StdDev, EmptyListIsNan) {
+    EXPECT_TRUE(std::isnan(xf_StdDev({})));
+}
 
 }  // namespace

@@ -27,7 +27,8 @@ struct Outputs {
 
 std::vector<xcEdgelet> edgeletsAt(const Points& points) {
     std::vector<xcEdgelet> out;
-    for (const xcVector<2>& p : points) out.emplace_back(p, std::uint16_t{100}, xcAngle8(17));
+    for (const xcVector<2>& p : points)
+        out.emplace_back(p, std::uint16_t{100}, xcAngle8(17));
     return out;
 }
 
@@ -121,9 +122,13 @@ TEST(FitEllipse, CollinearPointsDefeatBothFits) {
     expectDefaultEllipseAndNoRms(Points{{0, 0}, {1, 1}, {2, 2}, {3, 3}, {4, 4}, {5, 5}});
 }
 
-TEST(FitEllipse, TwoPointsDefeatBothFits) { expectDefaultEllipseAndNoRms(Points{{0, 0}, {1, 0}}); }
+TEST(FitEllipse, TwoPointsDefeatBothFits) {
+    expectDefaultEllipseAndNoRms(Points{{0, 0}, {1, 0}});
+}
 
-TEST(FitEllipse, EmptyListDefeatsBothFits) { expectDefaultEllipseAndNoRms(Points{}); }
+TEST(FitEllipse, EmptyListDefeatsBothFits) {
+    expectDefaultEllipseAndNoRms(Points{});
+}
 
 TEST(FitEllipse, NanCoordinateDefeatsBothFits) {
     const double nan = std::numeric_limits<double>::quiet_NaN();

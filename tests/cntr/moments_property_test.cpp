@@ -31,8 +31,8 @@ constexpr double kFootWindow = 1e-8;
 constexpr double kMaxSkippedFraction = 0.05;
 
 struct Sample {
-    Points points;   // counter-clockwise
-    double size;     // the radius used to draw it: the scale of coordinates relative to its centre
+    Points points;  // counter-clockwise
+    double size;    // the radius used to draw it: the scale of coordinates relative to its centre
 };
 
 /// A random polygon of 3 to 200 vertices and radius 0.1 to 1000, star-shaped about a random
@@ -59,7 +59,8 @@ void expectMatchesClosedForms(const Points& p, double size, bool checkMatrix) {
     EXPECT_NEAR(d.area(), ref.area, kRelTol * std::fabs(ref.area));
     EXPECT_NEAR(d.centerOfMass().x(), ref.center.x(), kRelTol * size);
     EXPECT_NEAR(d.centerOfMass().y(), ref.center.y(), kRelTol * size);
-    if (!checkMatrix) return;
+    if (!checkMatrix)
+        return;
     const double scale = ref.xx + ref.yy;
     const xcMatrix<2>& m = d.inertiaMatrix();
     EXPECT_NEAR(m.element(0, 0), ref.xx, kRelTol * scale);
@@ -94,16 +95,18 @@ void checkRandomPolygons(std::uint64_t seed, double minFraction, bool starAboutC
     for (int draw = 0; draw < kMaxDraws && checked < kPolygons; ++draw) {
         const Sample s = drawPolygon(rng, minFraction);
         const xcVector<2> c = referenceMoments(s.points).center;
-        if (isStarShapedAbout(s.points, c, s.size) != starAboutCentroid) continue;
+        if (isStarShapedAbout(s.points, c, s.size) != starAboutCentroid)
+            continue;
         if (hasFootJustOutsideASide(s.points, c, kFootWindow)) {
             ++skipped;
             continue;
         }
         ++checked;
-        SCOPED_TRACE(testing::Message() << "polygon " << checked << ", " << s.points.size()
-                                        << " vertices");
+        SCOPED_TRACE(testing::Message()
+                     << "polygon " << checked << ", " << s.points.size() << " vertices");
         check(s);
-        if (testing::Test::HasFailure()) return;
+        if (testing::Test::HasFailure())
+            return;
     }
     EXPECT_EQ(checked, kPolygons);
     testing::Test::RecordProperty("skipped", skipped);
@@ -140,11 +143,12 @@ TEST(MomentsProperty, UnionOfTwoPartsIsTheSumOfTheirRecords) {
         const double radius = rng.next(0.5, 20.0);
         Points whole;
         for (std::size_t i = 0; i < n; ++i) {
-            const double a = 2.0 * xcPi * (static_cast<double>(i) + rng.next(0.1, 0.9)) /
-                             static_cast<double>(n);
+            const double a =
+                2.0 * xcPi * (static_cast<double>(i) + rng.next(0.1, 0.9)) / static_cast<double>(n);
             whole.push_back(center + xcVector<2>(radius * std::cos(a), radius * std::sin(a)));
         }
-        const std::size_t k = 2 + static_cast<std::size_t>(rng.next(0.0, static_cast<double>(n - 3)));
+        const std::size_t k =
+            2 + static_cast<std::size_t>(rng.next(0.0, static_cast<double>(n - 3)));
         const Points first(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(k) + 1);
         Points second(whole.begin() + static_cast<std::ptrdiff_t>(k), whole.end());
         second.push_back(whole[0]);
@@ -157,13 +161,16 @@ TEST(MomentsProperty, UnionOfTwoPartsIsTheSumOfTheirRecords) {
 
         for (bool clockwise : {false, true}) {
             SCOPED_TRACE(testing::Message() << "trial " << trial << (clockwise ? " cw" : " ccw"));
-            const auto orient = [clockwise](const Points& p) { return clockwise ? reversed(p) : p; };
+            const auto orient = [clockwise](const Points& p) {
+                return clockwise ? reversed(p) : p;
+            };
             xc_InertiaData a = xf_InertiaDataPolygon(orient(first));
             const xc_InertiaData sum = a + xf_InertiaDataPolygon(orient(second));
             const xc_InertiaData ref = xf_InertiaDataPolygon(orient(whole));
             expectRecordsNear(sum, ref, radius);
         }
-        if (HasFailure()) return;
+        if (HasFailure())
+            return;
     }
     RecordProperty("skipped", skipped);
     EXPECT_LE(skipped, kMaxSkippedFraction * kTrials);

@@ -30,14 +30,16 @@ inline Points reversed(Points p) {
 }
 
 inline Points translated(Points p, const xcVector<2>& by) {
-    for (xcVector<2>& v : p) v += by;
+    for (xcVector<2>& v : p)
+        v += by;
     return p;
 }
 
 /// The list starting at vertex `start` (same polygon, same orientation).
 inline Points rotatedStart(const Points& p, std::size_t start) {
     Points out;
-    for (std::size_t i = 0; i < p.size(); ++i) out.push_back(p[(start + i) % p.size()]);
+    for (std::size_t i = 0; i < p.size(); ++i)
+        out.push_back(p[(start + i) % p.size()]);
     return out;
 }
 
@@ -110,8 +112,8 @@ inline Points starPolygon(xcRandomUniform& rng, std::size_t n, const xcVector<2>
     const double phase = rng.next(0.0, twoPi);
     Points p;
     for (std::size_t i = 0; i < n; ++i) {
-        const double angle = phase + twoPi * (static_cast<double>(i) + rng.next(0.0, 0.9)) /
-                                         static_cast<double>(n);
+        const double angle =
+            phase + twoPi * (static_cast<double>(i) + rng.next(0.0, 0.9)) / static_cast<double>(n);
         const double r = radius * rng.next(minFraction, 1.0);
         p.push_back(center + xcVector<2>(r * std::cos(angle), r * std::sin(angle)));
     }
@@ -124,9 +126,12 @@ inline bool isStarShapedAbout(const Points& p, const xcVector<2>& c, double size
     int positive = 0, negative = 0;
     for (std::size_t i = 0; i < p.size(); ++i) {
         const double cr = (p[i] - c).cross(p[(i + 1) % p.size()] - c);
-        if (cr > 1e-9 * size * size) ++positive;
-        else if (cr < -1e-9 * size * size) ++negative;
-        else return false;
+        if (cr > 1e-9 * size * size)
+            ++positive;
+        else if (cr < -1e-9 * size * size)
+            ++negative;
+        else
+            return false;
     }
     return positive == 0 || negative == 0;
 }
@@ -145,12 +150,15 @@ inline bool hasFootJustOutsideASide(const Points& p, const xcVector<2>& c, doubl
             const xcVector<2>& w = tri[(k + 2) % 3];
             const xcVector<2> d = v - u;
             const double dd = d.dot(d);
-            if (dd == 0.0) continue;
+            if (dd == 0.0)
+                continue;
             const double t = (w - u).dot(d) / dd;
-            if (t >= 0.0 && t <= 1.0) continue;
+            if (t >= 0.0 && t <= 1.0)
+                continue;
             const double lineDist = std::fabs(d.cross(w - u)) / std::sqrt(dd);
             const double sideDist = t < 0.0 ? (w - u).length() : (w - v).length();
-            if (sideDist - lineDist < window) return true;
+            if (sideDist - lineDist < window)
+                return true;
         }
     }
     return false;
