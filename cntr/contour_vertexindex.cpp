@@ -1,4 +1,5 @@
 // Vertex lookup through grids of cells, one grid per tolerance.
+#include <algorithm>
 #include <climits>
 #include <cmath>
 
@@ -50,10 +51,16 @@ std::vector<int> xcContour::vertexIndex(const xcVector<2>& point, double toleran
 
     std::vector<int> found;
     const xcPair<long> centre = cellOf(point, tolerance);
+    // Beyond 2^53 neighbouring cells compare equal as doubles and are one map entry; visit each
+    // entry once so that no vertex is reported twice.
+    const void* visited[9];
+    int visitedCount = 0;
     for (long column = centre.x() - 1; column <= centre.x() + 1; ++column) {
         for (long row = centre.y() - 1; row <= centre.y() + 1; ++row) {
             const auto cell = grid->cells.find(xcPair<long>(column, row));
             if (cell == grid->cells.end()) continue;
+            if (std::find(visited, visited + visitedCount, &*cell) != visited + visitedCount) continue;
+            visited[visitedCount++] = &*cell;
             for (int i : cell->second)
                 if (points_[static_cast<std::size_t>(i)].distance(point) < tolerance) found.push_back(i);
         }
