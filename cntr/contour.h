@@ -164,8 +164,8 @@ public:
     /// vertices.
     std::vector<xcVector<2>> intersections(const xcContour& other);
     /// Whether two non-adjacent edges meet: a crossing, or a vertex lying on a non-adjacent
-    /// edge. Collinear overlapping edges are not detected. False without vertices (no check).
-    /// Quadratic in the number of edges. Cached.
+    /// edge. Collinear overlapping edges are not detected. False without vertices (no check) and
+    /// for a single vertex, whatever its coordinates. Quadratic in the number of edges. Cached.
     bool isSelfIntersecting() const;
     /// The indices of the vertices at a distance below `tolerance` from `point`, ordered by grid
     /// cell (column, then row) and then by index. One lookup grid of cells of side `tolerance`

@@ -132,7 +132,10 @@ bool xcContour::isSelfIntersecting() const {
     computeLineSegs();
     selfIntersecting_ = false;
     std::vector<int> unusedIndices;
-    for (std::size_t k = 0; k < lineSegs_.size(); ++k) {
+    // One vertex has a single edge, which meets nothing. (A NaN vertex would make that edge look
+    // non-degenerate and the query would refuse the contour as empty.)
+    const std::size_t edges = points_.size() < 2 ? 0 : lineSegs_.size();
+    for (std::size_t k = 0; k < edges; ++k) {
         if (!validLine_[k]) continue;
         if (!hitsAlong(lineSegs_[k], unusedIndices, false).empty()) {
             selfIntersecting_ = true;

@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <random>
 #include <cmath>
 #include <limits>
 
@@ -101,4 +103,25 @@ TEST(ContourVertexIndex, NeedsTwoVertices) {
     ContourProbe c(Points{{0, 0}}, true, 0);
     expectEmptyContour([&] { c.vertexIndex({0, 0}, 1.0); });
     EXPECT_EQ(c.cacheState().vertexGrids, nullptr);
+}
+
+TEST(ContourVertexIndex, AgreesWithBruteForceOnRandomContours) {
+    std::mt19937 rng(7);
+    std::uniform_real_distribution<double> coordinate(-20.0, 20.0);
+    std::uniform_real_distribution<double> toleranceDist(0.05, 6.0);
+    for (int trial = 0; trial < 40; ++trial) {
+        Points p(200);
+        for (xcVector<2>& v : p) v = xcVector<2>(coordinate(rng), coordinate(rng));
+        xcContour c(p, trial % 2 == 0);
+        for (int query = 0; query < 10; ++query) {
+            const xcVector<2> q(coordinate(rng), coordinate(rng));
+            const double t = toleranceDist(rng);
+            std::vector<int> expected;
+            for (std::size_t i = 0; i < p.size(); ++i)
+                if (std::hypot(p[i].x() - q.x(), p[i].y() - q.y()) < t) expected.push_back(static_cast<int>(i));
+            std::vector<int> found = c.vertexIndex(q, t);
+            std::sort(found.begin(), found.end());
+            EXPECT_EQ(found, expected) << "trial " << trial << " query " << query;
+        }
+    }
 }
