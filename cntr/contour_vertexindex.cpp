@@ -55,9 +55,9 @@ std::vector<int> xcContour::vertexIndex(const xcVector<2>& point, double toleran
     // entry once so that no vertex is reported twice.
     const void* visited[9];
     int visitedCount = 0;
-    for (long column = centre.x() - 1; column <= centre.x() + 1; ++column) {
-        for (long row = centre.y() - 1; row <= centre.y() + 1; ++row) {
-            const auto cell = grid->cells.find(xcPair<long>(column, row));
+    for (long dc = -1; dc <= 1; ++dc) {
+        for (long dr = -1; dr <= 1; ++dr) {
+            const auto cell = grid->cells.find(xcPair<long>(centre.x() + dc, centre.y() + dr));
             if (cell == grid->cells.end()) continue;
             if (std::find(visited, visited + visitedCount, &*cell) != visited + visitedCount) continue;
             visited[visitedCount++] = &*cell;
