@@ -62,7 +62,7 @@ void BM_ClosestPoint_Cached(benchmark::State& s) { cachedCall(s, closest); }
 
 }  // namespace
 
-#define CNTR_SIZES RangeMultiplier(16)->Range(1 << 10, 1 << 18)
+#define CNTR_SIZES Arg(1 << 10)->Arg(1 << 14)->Arg(1 << 18)
 BENCHMARK(BM_Length_First)->CNTR_SIZES;
 BENCHMARK(BM_Length_Cached)->CNTR_SIZES;
 BENCHMARK(BM_EncloseRect_First)->CNTR_SIZES;
