@@ -9,6 +9,34 @@
 
 class xcArchive;
 
+// The members of each concrete exception class (they differ only in the class name):
+// - a public constructor from the message (empty by default), copy construction and assignment
+//   (they copy the message), the destructor;
+// - errorNumber(): the class's fixed number;
+// - suicideAndRethrow(): copies this object, deletes it (it must come from new) and throws the
+//   copy as this class;
+// - dispatchSerialize(): the record, a version byte (0) followed by the Errors record; loading a
+//   version byte other than 0 throws xcArchive::UnknownVersion naming the class
+//   ("xcContourDefs::<class>") and line 0;
+// - make() and sExemplar: the archive's factory (an object with an empty message) and its
+//   registration at library load.
+#define CNTR_CONTOUR_ERROR_MEMBERS(Name)                                  \
+public:                                                                   \
+    explicit Name(const std::wstring& message = std::wstring());          \
+    Name(const Name& other);                                              \
+    Name& operator=(const Name& other);                                   \
+    ~Name() override;                                                     \
+    long errorNumber() const override;                                    \
+    void suicideAndRethrow() override;                                    \
+                                                                          \
+protected:                                                                \
+    void dispatchSerialize(xcArchive& ar) override;                       \
+    void serialize_(xcArchive& ar, unsigned char version);                \
+                                                                          \
+private:                                                                  \
+    static xcPersistent* make();                                          \
+    static xc_Instantiator sExemplar;
+
 /// The enumerations and the exception classes shared by contours, regions and region sets.
 /// It holds no data; the shape classes name its members as xcContourDefs::... .
 class xcContourDefs {
@@ -67,96 +95,27 @@ public:
     /// A contour with fewer than 2 vertices (a region with fewer than 3) was measured.
     /// Error number 0x10004680.
     class CNTR_API EmptyContour : public Errors {
-    public:
-        explicit EmptyContour(const std::wstring& message = std::wstring());
-        EmptyContour(const EmptyContour& other);
-        EmptyContour& operator=(const EmptyContour& other);
-        ~EmptyContour() override;
-        long errorNumber() const override;
-        /// Copies this object, deletes it (it must come from new) and throws the copy.
-        void suicideAndRethrow() override;
-
-    protected:
-        /// Record: a version byte (0), then the Errors record.
-        void dispatchSerialize(xcArchive& ar) override;
-        /// Throws xcArchive::UnknownVersion("xcContourDefs::EmptyContour", 0) unless version
-        /// is 0.
-        void serialize_(xcArchive& ar, unsigned char version);
-
-    private:
-        static xcPersistent* make();
-        static xc_Instantiator sExemplar;
+        CNTR_CONTOUR_ERROR_MEMBERS(EmptyContour)
     };
 
     /// A region set without regions was measured. Error number 0x10004682.
     class CNTR_API EmptyRegionSet : public Errors {
-    public:
-        explicit EmptyRegionSet(const std::wstring& message = std::wstring());
-        EmptyRegionSet(const EmptyRegionSet& other);
-        EmptyRegionSet& operator=(const EmptyRegionSet& other);
-        ~EmptyRegionSet() override;
-        long errorNumber() const override;
-        /// Copies this object, deletes it (it must come from new) and throws the copy.
-        void suicideAndRethrow() override;
-
-    protected:
-        /// Record: a version byte (0), then the Errors record.
-        void dispatchSerialize(xcArchive& ar) override;
-        /// Throws xcArchive::UnknownVersion("xcContourDefs::EmptyRegionSet", 0) unless version
-        /// is 0.
-        void serialize_(xcArchive& ar, unsigned char version);
-
-    private:
-        static xcPersistent* make();
-        static xc_Instantiator sExemplar;
+        CNTR_CONTOUR_ERROR_MEMBERS(EmptyRegionSet)
     };
 
     /// An argument out of its range: a negative cached-vector size, an invalid DiameterMode, and
     /// the region operations' own refusals (with their messages). Error number 0x10004683.
     class CNTR_API BadParams : public Errors {
-    public:
-        explicit BadParams(const std::wstring& message = std::wstring());
-        BadParams(const BadParams& other);
-        BadParams& operator=(const BadParams& other);
-        ~BadParams() override;
-        long errorNumber() const override;
-        /// Copies this object, deletes it (it must come from new) and throws the copy.
-        void suicideAndRethrow() override;
-
-    protected:
-        /// Record: a version byte (0), then the Errors record.
-        void dispatchSerialize(xcArchive& ar) override;
-        /// Throws xcArchive::UnknownVersion("xcContourDefs::BadParams", 0) unless version is 0.
-        void serialize_(xcArchive& ar, unsigned char version);
-
-    private:
-        static xcPersistent* make();
-        static xc_Instantiator sExemplar;
+        CNTR_CONTOUR_ERROR_MEMBERS(BadParams)
     };
 
     /// isClosed(false) was called on a region. Error number 0x10004684.
     class CNTR_API RegionCannotBeSetOpen : public Errors {
-    public:
-        explicit RegionCannotBeSetOpen(const std::wstring& message = std::wstring());
-        RegionCannotBeSetOpen(const RegionCannotBeSetOpen& other);
-        RegionCannotBeSetOpen& operator=(const RegionCannotBeSetOpen& other);
-        ~RegionCannotBeSetOpen() override;
-        long errorNumber() const override;
-        /// Copies this object, deletes it (it must come from new) and throws the copy.
-        void suicideAndRethrow() override;
-
-    protected:
-        /// Record: a version byte (0), then the Errors record.
-        void dispatchSerialize(xcArchive& ar) override;
-        /// Throws xcArchive::UnknownVersion("xcContourDefs::RegionCannotBeSetOpen", 0) unless
-        /// version is 0.
-        void serialize_(xcArchive& ar, unsigned char version);
-
-    private:
-        static xcPersistent* make();
-        static xc_Instantiator sExemplar;
+        CNTR_CONTOUR_ERROR_MEMBERS(RegionCannotBeSetOpen)
     };
 };
+
+#undef CNTR_CONTOUR_ERROR_MEMBERS
 
 /// The error numbers of the library's exceptions. 0x10004681 is deliberately unassigned: the
 /// numbers are part of each error's stored and reported identity and never move.
