@@ -45,7 +45,7 @@ CNTR_API void drop<xcRegion>(const xcRegion* p);
 ///
 /// Measurements need at least 2 vertices and throw xcContourDefs::EmptyContour otherwise
 /// (each member says whether it checks). Non-finite coordinates, repeated vertices and
-/// zero-length edges never crash or hang; the results are what the stated arithmetic gives.
+/// zero-length edges never crash or hang; the results are what the documented arithmetic gives.
 ///
 /// Not thread-safe: even const queries write the caches. Separate contours may be used from
 /// separate threads.
@@ -57,7 +57,7 @@ public:
     xcContour(const std::vector<xcVector<2>>& points, bool closed, unsigned long label = 0);
     /// A contour of all the polygon's vertices in order (a repeated first vertex at the end is
     /// kept as a vertex). It is closed exactly when the first and the last vertex are equal
-    /// within 1e-15 in each coordinate.
+    /// within 1e-15 in each coordinate (an empty polygon gives an open contour).
     explicit xcContour(const xcPolygon& polygon, unsigned long label = 0);
     /// A copy of `other`, its valid caches included (see operator=).
     xcContour(const xcContour& other);
@@ -152,8 +152,9 @@ public:
 
     // ---- segments and intersections ----
 
-    /// The points where edges cross `seg`, ordered along `seg` from p1 (equal keys keep their
-    /// edge order, as an exchange sort leaves them). Degenerate edges and edges parallel to
+    /// The points where edges cross `seg`, ordered along `seg` from p1 by the key
+    /// (P - p1) . (p2 - p1) with a plain exchange sort, which is not stable: points with equal
+    /// keys end in the order that sort leaves them. Degenerate edges and edges parallel to
     /// `seg` (within 1e-12) are never reported. With `includeEndTouches` false an edge that
     /// passes within 1e-6 of either end of `seg` is ignored. A crossing exactly through a vertex
     /// is reported once per edge. Throws EmptyContour.
