@@ -1,0 +1,307 @@
+#ifndef CNTR_CONTOUR_H
+#define CNTR_CONTOUR_H
+
+#include <memory>
+#include <vector>
+
+#include <cntr/contourdefs.h>
+#include <cntr/contourmemo.h>
+#include <cntr/export.h>
+#include <foundation/angle.h>
+#include <foundation/geometry.h>
+#include <foundation/handle.h>
+#include <foundation/matrix.h>
+#include <foundation/persistent.h>
+#include <foundation/tablet.h>
+#include <foundation/vector.h>
+
+class xcArchive;
+class xcRegion;
+
+// The contour holds its convex hull by a counted handle to a region, a class that derives from
+// the contour. The handle's count operations need the complete region class, so they are
+// specialised here and defined with the region.
+namespace xn_handle_detail {
+template <>
+CNTR_API void acquire<xcRegion>(const xcRegion* p);
+template <>
+CNTR_API void drop<xcRegion>(const xcRegion* p);
+}  // namespace xn_handle_detail
+
+/// An ordered list of 2-D vertices, open (a polyline from the first to the last vertex) or
+/// closed (the last vertex joins the first), with a user label.
+///
+/// Edges. A closed contour of n vertices has n edges: edge 0 is the closing edge from vertex n-1
+/// to vertex 0 and edge k joins vertex k-1 to vertex k. An open contour has n-1 edges, edge k
+/// joining vertex k to vertex k+1. Lengths, drawing and the segment queries walk edges in this
+/// order.
+///
+/// Caches. Every derived result is computed on first demand, also by const members, and kept
+/// until the geometry changes: any change of the vertices or of the closed flag ends in
+/// cleanCacheInfo(), which drops them all. Changing the label or the cache limit keeps them.
+/// Results keyed by an argument (enclosing rectangles by transform, extremal vertices by
+/// direction) are kept in memos of at most cachedVectorSize() + 1 entries; beyond that a new
+/// result replaces an entry drawn by a per-thread random generator seeded with 1.
+///
+/// Measurements need at least 2 vertices and throw xcContourDefs::EmptyContour otherwise
+/// (each member says whether it checks). Non-finite coordinates, repeated vertices and
+/// zero-length edges never crash or hang; the results are what the documented arithmetic gives.
+///
+/// Not thread-safe: even const queries write the caches. Separate contours may be used from
+/// separate threads.
+class CNTR_API xcContour : public virtual xcPersistent, public virtual xcRepBase {
+public:
+    /// An empty closed contour with label 0 (what the archive's factory creates).
+    xcContour();
+    /// A contour of a copy of `points`, closed or open, with `label`; cachedVectorSize() is 3.
+    xcContour(const std::vector<xcVector<2>>& points, bool closed, unsigned long label = 0);
+    /// A contour of all the polygon's vertices in order (a repeated first vertex at the end is
+    /// kept as a vertex). It is closed exactly when the first and the last vertex are equal
+    /// within 1e-15 in each coordinate (an empty polygon gives an open contour).
+    explicit xcContour(const xcPolygon& polygon, unsigned long label = 0);
+    /// A copy of `other`, its valid caches included (see operator=).
+    xcContour(const xcContour& other);
+    /// Copies label, closed flag, vertices, cachedVectorSize and every cache: the argument-keyed
+    /// memos and vertex grids are deep-copied, the convex hull region is shared. Does not count
+    /// as a change (mutating() is not called); self-assignment does nothing.
+    xcContour& operator=(const xcContour& other);
+    ~xcContour() override;
+
+    // ---- model ----
+
+    /// The vertices.
+    const std::vector<xcVector<2>>& points() const { return points_; }
+    /// Replaces the vertices with a copy of `v`: drops the caches, stores the vertices, then
+    /// calls makeDataConsistentWithPoints().
+    virtual void points(const std::vector<xcVector<2>>& v);
+    /// Whether the contour has the closing edge from its last vertex to its first.
+    virtual bool isClosed() const;
+    /// Opens or closes the contour and drops the caches.
+    virtual void isClosed(bool c);
+
+    /// Draws every edge, in edge order, as one tablet.drawLineSeg(start, end, color, layer)
+    /// call. `mode` is accepted and ignored. Degenerate edges are drawn as zero-length segments;
+    /// there is no emptiness check and no cache is read or filled. So a closed contour of n
+    /// vertices draws n segments (one zero-length segment for a single vertex), an open one n-1.
+    virtual void draw(xcUITablet& tablet, xcContourDefs::DrawMode mode, const xcColor& color,
+                      const xcUITablet::Layers& layer) const;
+
+    /// The user label; carried through copies, map and archives, not part of equality. Labels
+    /// above 2^32 - 1 cannot be stored in an archive (storing throws, it never truncates).
+    unsigned long label() const { return label_; }
+    /// Sets the label; the caches stay valid.
+    void label(unsigned long l);
+
+    /// The entry limit of the argument-keyed memos (3 after construction); a memo holds at most
+    /// this many entries plus one.
+    long cachedVectorSize() const { return cachedVectorSize_; }
+    /// Sets the memo limit; the memos are neither cleared nor trimmed. Throws
+    /// xcContourDefs::BadParams (empty message) for a negative `n`, keeping the old limit.
+    void cachedVectorSize(long n);
+
+    /// The vertices as a polygon with fill mode 0; a closed contour repeats its first vertex at
+    /// the end (n + 1 vertices), an open one gives its n vertices.
+    xcPolygon polygon();
+
+    /// Sets `out` to a new contour of the transformed vertices with this contour's closedness and
+    /// label; `out`'s caches are empty. `out` may be this contour.
+    void map(const xcXform<2>& xform, xcContour& out) const;
+
+    /// True when both are closed or both open (isClosed()), the vertices are equal one by one
+    /// (exactly; a NaN vertex never compares equal) and the cachedVectorSize values are equal.
+    /// Labels and caches take no part.
+    bool operator==(const xcContour& other) const;
+    bool operator!=(const xcContour& other) const { return !(*this == other); }
+
+    // ---- extent ----
+
+    /// The sum of the edge lengths; 0 for a contour without vertices (no check, not cached then).
+    /// Cached.
+    double length() const;
+    /// The length-weighted mean of the edge midpoints: the centre of mass of the polyline taken
+    /// as a uniform wire (not the mean of the vertices). When every edge has length 0 the result
+    /// is the division by zero's (NaN, NaN). Cached. Throws EmptyContour.
+    xcVector<2> meanPosition();
+    /// The index of the vertex furthest in direction `angle`: the first vertex with the highest
+    /// score, the score being x, -x, y or -y when (cos, sin) of the angle is within 1e-15 of an
+    /// axis direction, else the dot product with the direction. When no vertex scores above the
+    /// lowest double (all scores NaN, for example), the result is -1. Memoised by angle.
+    /// Throws EmptyContour.
+    long extremalVertexIndex(const xcRadian& angle) const;
+    /// The vertex at extremalVertexIndex(angle). Throws EmptyContour, and
+    /// xcContourDefs::BadParams when there is no such vertex (the index is -1) rather than read
+    /// outside the vertices.
+    xcVector<2> extremalVertexPosition(const xcRadian& angle);
+    /// Twice the radius of encloseCircle(mode). No emptiness check. Throws BadParams
+    /// ("diameterMode is not one of the valid enums") for an invalid mode.
+    double diameter(xcContourDefs::DiameterMode mode) const;
+    /// The axis-aligned bounding box of the vertices mapped through `xform` (the raw vertices
+    /// when `xform` is the identity within 1e-15). Memoised by transform; the memo key ignores
+    /// matrix element (1,1) on purpose, so a transform that differs from a memoised one only
+    /// there returns that one's rectangle. The memo is shared with the library's internal
+    /// callers (the segment queries ask for the identity). Throws EmptyContour.
+    xcRect encloseRect(const xcXform<2>& xform);
+    /// A circle describing the spread of the vertices (not a minimal enclosing circle):
+    /// furthestVertexPair gives the circle through the first pair of vertices at the largest
+    /// distance (quadratic in the vertex count); fromFirstVertex the circle centred on vertex 0
+    /// through the vertex furthest from it. The closed flag plays no part. No emptiness check:
+    /// with no two distinct vertices (or, in mode fromFirstVertex, no vertex at all) the result
+    /// is the default circle. Cached per mode. Throws BadParams ("diameterMode is not one of
+    /// the valid enums") for any other mode, changing nothing.
+    xcCircle encloseCircle(xcContourDefs::DiameterMode mode);
+
+    // ---- segments and intersections ----
+
+    /// The points where edges cross `seg`, ordered along `seg` from p1 by the key
+    /// (P - p1) . (p2 - p1) with a plain exchange sort, which is not stable: points with equal
+    /// keys end in the order that sort leaves them. Degenerate edges and edges parallel to
+    /// `seg` (within 1e-12) are never reported. With `includeEndTouches` false an edge that
+    /// passes within 1e-6 of either end of `seg` is ignored. A crossing exactly through a vertex
+    /// is reported once per edge. Throws EmptyContour.
+    std::vector<xcVector<2>> intersections(const xcLineSeg& seg, bool includeEndTouches);
+    /// The points where the edges of `other` (in edge order, degenerate ones included) cross
+    /// this contour, each edge's points in order along it, end touches included; neither sorted
+    /// across edges nor de-duplicated. Throws EmptyContour when this contour has fewer than 2
+    /// vertices.
+    std::vector<xcVector<2>> intersections(const xcContour& other);
+    /// Whether two non-adjacent edges meet: a crossing, or a vertex lying on a non-adjacent
+    /// edge. Collinear overlapping edges are not detected. False without vertices (no check) and
+    /// for a single vertex, whatever its coordinates. Quadratic in the number of edges. Cached.
+    bool isSelfIntersecting() const;
+    /// The indices of the vertices at a distance below `tolerance` from `point`, ordered by grid
+    /// cell (column, then row) and then by index. One lookup grid of cells of side `tolerance`
+    /// is built and kept per distinct tolerance (a NaN tolerance is one tolerance) until the
+    /// next change. Throws EmptyContour.
+    std::vector<int> vertexIndex(const xcVector<2>& point, double tolerance);
+
+    // ---- nearest points ----
+
+    /// The point of the contour closest to `point`: with `vertexOnly` the closest vertex;
+    /// otherwise the closest point of the edges, the first edge in edge order winning ties.
+    /// Nothing is cached. Throws EmptyContour.
+    xcVector<2> closestPoint(const xcVector<2>& point, bool vertexOnly);
+    /// The index of the vertex closest to `point`, the lowest index winning ties. Throws
+    /// EmptyContour.
+    long closestVertexIndex(const xcVector<2>& point) const;
+    /// The distance from `point` to closestPoint(point, vertexOnly). Throws EmptyContour.
+    double distToPoint(const xcVector<2>& point, bool vertexOnly) const;
+
+protected:
+    /// Record, version 1: the version byte, the xcPersistent record, label (unsigned 32-bit),
+    /// closed flag, the vertex vector record and cachedVectorSize (signed 32-bit). Versions 0
+    /// and 1 are read. Each object is stored once per archive pass.
+    void dispatchSerialize(xcArchive& ar) override;
+    /// Reads or writes this level's fields for `version` and, when loading, drops the caches.
+    /// Throws xcArchive::UnknownVersion("cntr/contour", 900) for a version other than 0 and 1
+    /// (and for writing version 0, which is read only), and ("cntr/contour", 890) for a legacy
+    /// base record whose version byte is not 0. The legacy base part of version 0 is read into
+    /// one shared object, visited once per archive; loading version-0 records is therefore not
+    /// safe from two threads at once.
+    virtual void serialize_(xcArchive& ar, unsigned char version);
+    /// Called after the vertices were replaced; drops the caches. Derived classes that carry
+    /// one datum per vertex override it to rebuild that data.
+    virtual void makeDataConsistentWithPoints();
+    /// Called after per-vertex data changed; drops the caches. Derived classes override it to
+    /// rebuild the vertices from their data.
+    virtual void makePointsConsistentWithData();
+    /// Drops every cached result, in this order: mutating(); delete the rectangle memo, the
+    /// extremal-vertex memo and the vertex grids; clear the mean position, length (value 0) and
+    /// hull flags (the hull handle is kept until replaced); reset both enclosing-circle flags
+    /// (the circle vector keeps 2 entries); clear the ellipse flag (residual 0); clear the
+    /// self-intersection, segment, line and rectangle flags (the edge vectors are kept until
+    /// rebuilt); clear the median flag (value 0).
+    virtual void cleanCacheInfo();
+
+    /// Replaces the vertices after dropping the caches, without calling
+    /// makeDataConsistentWithPoints() (for derived classes rebuilding vertices from their data).
+    void setPoints(const std::vector<xcVector<2>>& v);
+    /// Throws xcContourDefs::EmptyContour (empty message) when there are fewer than 2 vertices.
+    /// Not virtual: a derived class's own check hides this one only for its own callers.
+    void checkEmptyContour() const;
+
+    /// Builds the edge segments, lines, rectangles and validity flags unless they are valid.
+    /// An edge whose ends are equal within 1e-15 is degenerate: it keeps its place with a
+    /// default segment, line and rectangle and a false validity flag.
+    void computeLineSegs() const;
+    /// One segment per edge, in edge order (built first when needed).
+    const std::vector<xcLineSeg>& lineSegs() const;
+    /// Whether each edge is non-degenerate, in edge order (built first when needed).
+    const std::vector<bool>& validLine() const;
+    /// The segment query of the public intersections(seg, includeEndTouches); `edgeIndices`
+    /// receives the edge index of each point, in the same order. Throws EmptyContour.
+    std::vector<xcVector<2>> intersections(const xcLineSeg& seg, std::vector<int>& edgeIndices,
+                                           bool includeEndTouches);
+    /// The median edge length: the element at index count / 2 of the ascending edge lengths
+    /// (the upper middle one for an even count), degenerate edges counting 0. NaN lengths sort
+    /// after every number. Cached. Throws EmptyContour.
+    double medianFeatureSize() const;
+
+    /// A read-only view of the caches, for derived classes that extend them and for tests.
+    struct CacheState {
+        bool meanPositionValid;
+        bool lengthValid;
+        double length;
+        bool convexHullValid;
+        const xcRegion* convexHull;
+        const xn_contourDetail::RectMemo* rectMemo;
+        std::vector<bool> encloseCircleValid;
+        std::size_t encloseCircleCount;
+        const xn_contourDetail::ExtremalVertexMemo* extremalVertexMemo;
+        bool fitEllipseValid;
+        double fitResidual;
+        bool selfIntersectingValid;
+        bool lineSegsValid;
+        bool linesValid;
+        bool rectsValid;
+        std::size_t edgeVectorSize;
+        bool medianFeatureSizeValid;
+        double medianFeatureSize;
+        const xn_contourDetail::VertexGridCache* vertexGrids;
+    };
+    CacheState cacheState() const;
+
+private:
+    static xcPersistent* make();
+    static xc_Instantiator sExemplar;
+
+    void deletePointers() const;
+    xcRect rectOf(const xcXform<2>& xform) const;
+    xcCircle circleOf(xcContourDefs::DiameterMode mode) const;
+    std::vector<xcVector<2>> hitsAlong(const xcLineSeg& seg, std::vector<int>& edgeIndices,
+                                       bool includeEndTouches) const;
+    xcVector<2> nearestPoint(const xcVector<2>& point, bool vertexOnly) const;
+    void serializeVersion1(xcArchive& ar);
+    void loadVersion0(xcArchive& ar);
+
+    unsigned long label_ = 0;
+    bool closed_ = true;
+    std::vector<xcVector<2>> points_;
+    long cachedVectorSize_ = 3;
+    mutable bool meanPositionValid_ = false;
+    mutable xcVector<2> meanPosition_;
+    mutable bool lengthValid_ = false;
+    mutable double length_ = 0.0;
+    mutable bool convexHullValid_ = false;
+    mutable xcPtrHandle_const<xcRegion> convexHull_;
+    mutable std::unique_ptr<xn_contourDetail::RectMemo> rectMemo_;
+    mutable std::vector<bool> encloseCircleValid_;
+    mutable std::vector<xcCircle> encloseCircles_;
+    mutable std::unique_ptr<xn_contourDetail::ExtremalVertexMemo> extremalVertexMemo_;
+    mutable bool fitEllipseValid_ = false;
+    mutable xcEllipse fittedEllipse_;
+    mutable double fitResidual_ = 0.0;
+    mutable bool selfIntersecting_ = false;
+    mutable bool selfIntersectingValid_ = false;
+    mutable bool lineSegsValid_ = false;
+    mutable std::vector<xcLineSeg> lineSegs_;
+    mutable bool linesValid_ = false;
+    mutable std::vector<xcLine> lines_;
+    mutable bool rectsValid_ = false;
+    mutable std::vector<xcRect> rects_;
+    mutable std::vector<bool> validLine_;
+    mutable bool medianFeatureSizeValid_ = false;
+    mutable double medianFeatureSize_ = 0.0;
+    mutable std::unique_ptr<xn_contourDetail::VertexGridCache> vertexGrids_;
+};
+
+#endif

@@ -1,0 +1,71 @@
+// Helpers shared by the contour's sources and by the region set (internal header, not
+// installed).
+#ifndef CNTR_CONTOUR_DETAIL_H
+#define CNTR_CONTOUR_DETAIL_H
+
+#include <cstddef>
+#include <memory>
+
+#include <foundation/geometry.h>
+#include <foundation/numeric.h>
+#include <foundation/random.h>
+
+namespace xn_contourDetail {
+
+/// The calling thread's generator for memo replacement: seeded with 1, created on the thread's
+/// first use and freed when the thread ends.
+xcRandomUniform& threadGenerator();
+
+/// Calls edge(k, start, end) for every edge k of a contour of n vertices, in edge order: closed,
+/// edge 0 runs from vertex n-1 to vertex 0 and edge k from k-1 to k; open, edge k runs from
+/// vertex k to vertex k+1.
+template <class EdgeFunction>
+void forEachEdge(std::size_t n, bool closed, EdgeFunction edge) {
+    if (n == 0) return;
+    if (closed) {
+        edge(std::size_t{0}, n - 1, std::size_t{0});
+        for (std::size_t k = 1; k < n; ++k) edge(k, k - 1, k);
+    } else {
+        for (std::size_t k = 0; k + 1 < n; ++k) edge(k, k, k + 1);
+    }
+}
+
+/// Whether two rectangles overlap; touching counts.
+inline bool rectsOverlap(const xcRect& a, const xcRect& b) {
+    return a.lr().x() >= b.ul().x() && a.ul().x() <= b.lr().x() && a.lr().y() >= b.ul().y() &&
+           a.ul().y() <= b.lr().y();
+}
+
+/// The rectangle spanned by two points (the union of their zero-size rectangles, b's first).
+inline xcRect spanRect(const xcVector<2>& a, const xcVector<2>& b) {
+    return xcRect::at(b).enclose(xcRect::at(a));
+}
+
+/// Stores `value` under `key` (absent from the memo, which exists) in an argument-keyed memo
+/// bounded by `limit`: while the memo holds no more than `limit` entries the entry is added (so
+/// it can reach limit + 1); otherwise the entry at a position r drawn uniformly from the memo's
+/// size by the thread's generator, counted in key order, is replaced by the new one.
+template <class Memo>
+void memoStore(std::unique_ptr<Memo>& memo, const typename Memo::key_type& key,
+               const typename Memo::mapped_type& value, long limit) {
+    const std::size_t count = memo->size();
+    if (static_cast<long long>(count) <= static_cast<long long>(limit)) {
+        memo->emplace(key, value);
+        return;
+    }
+    const long victim = xfIFloor(threadGenerator().next(0.0, static_cast<double>(count)));
+    std::unique_ptr<Memo> rebuilt(new Memo(memo->key_comp()));
+    long position = 0;
+    for (const auto& entry : *memo) {
+        if (position == victim)
+            rebuilt->emplace(key, value);
+        else
+            rebuilt->emplace(entry);
+        ++position;
+    }
+    memo = std::move(rebuilt);
+}
+
+}  // namespace xn_contourDetail
+
+#endif

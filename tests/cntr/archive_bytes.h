@@ -1,0 +1,45 @@
+// Builds archive bytes by hand, following the documented wire format, so that tests can check
+// stored records byte by byte and feed hand-made (legacy or corrupt) records to the loader.
+#ifndef CNTR_TESTS_ARCHIVE_BYTES_H
+#define CNTR_TESTS_ARCHIVE_BYTES_H
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace testbytes {
+
+using Bytes = std::vector<unsigned char>;
+
+inline void u8(Bytes& b, unsigned v) { b.push_back(static_cast<unsigned char>(v)); }
+
+/// A 32-bit little-endian number.
+inline void u32(Bytes& b, std::uint32_t v) {
+    for (int i = 0; i < 4; ++i) b.push_back(static_cast<unsigned char>(v >> (8 * i)));
+}
+
+/// A double as its 8 IEEE 754 bytes, little-endian.
+inline void f64(Bytes& b, double v) {
+    std::uint64_t bits;
+    std::memcpy(&bits, &v, 8);
+    for (int i = 0; i < 8; ++i) b.push_back(static_cast<unsigned char>(bits >> (8 * i)));
+}
+
+/// The archive header: "XCAR" and format version 1.
+inline Bytes header() {
+    Bytes b{'X', 'C', 'A', 'R'};
+    u32(b, 1);
+    return b;
+}
+
+/// The start of a pointer record for a new object: tag 1, the class name's length and bytes.
+inline void newObject(Bytes& b, const std::string& className) {
+    u8(b, 1);
+    u32(b, static_cast<std::uint32_t>(className.size()));
+    b.insert(b.end(), className.begin(), className.end());
+}
+
+}  // namespace testbytes
+
+#endif
