@@ -25,7 +25,8 @@ std::unique_ptr<xcRegion> loopOf(const Points& points) {
 
 // Appends `count` vertices of `loop` to `out`, from index `first` on, wrapping around.
 void appendCyclic(Points& out, const Points& loop, std::size_t first, std::size_t count) {
-    for (std::size_t t = 0; t < count; ++t) out.push_back(loop[(first + t) % loop.size()]);
+    for (std::size_t t = 0; t < count; ++t)
+        out.push_back(loop[(first + t) % loop.size()]);
 }
 
 // Finds, from loop `from` on, the first vertex k of a loop that the loop's vertexIndex also
@@ -39,9 +40,11 @@ bool cutAtRepeatedVertex(Loops& loops, std::size_t& from) {
         const Points& v = loops[r]->points();
         const std::size_t c = v.size();
         for (std::size_t k = 0; k < c; ++k) {
-            for (int found : loops[r]->vertexIndex(v[k], xn_regionDetail::kRepeatedVertexTolerance)) {
+            for (int found :
+                 loops[r]->vertexIndex(v[k], xn_regionDetail::kRepeatedVertexTolerance)) {
                 const std::size_t j = static_cast<std::size_t>(found);
-                if (j == k) continue;
+                if (j == k)
+                    continue;
                 const std::size_t cut = j < k ? j + c : j;
                 Points first;
                 Points second;
@@ -66,7 +69,8 @@ bool dropInnerLoop(Loops& loops, std::size_t& from) {
         const Points& v = loops[i]->points();
         const xcVector<2> mid = (v[0] + v[1]) / 2.0;
         for (std::size_t k = 0; k < loops.size(); ++k) {
-            if (k == i || !loops[k]->inside(mid, true)) continue;
+            if (k == i || !loops[k]->inside(mid, true))
+                continue;
             std::swap(loops[i], loops.back());
             loops.pop_back();
             from = i;
@@ -85,10 +89,14 @@ struct Box {
     double maxY = -std::numeric_limits<double>::infinity();
 
     void add(const xcVector<2>& p) {
-        if (p.x() < minX) minX = p.x();
-        if (p.x() > maxX) maxX = p.x();
-        if (p.y() < minY) minY = p.y();
-        if (p.y() > maxY) maxY = p.y();
+        if (p.x() < minX)
+            minX = p.x();
+        if (p.x() > maxX)
+            maxX = p.x();
+        if (p.y() < minY)
+            minY = p.y();
+        if (p.y() > maxY)
+            maxY = p.y();
     }
     void add(const Box& b) {
         minX = std::min(minX, b.minX);
@@ -100,7 +108,8 @@ struct Box {
 
 Box boxOf(const Points& v) {
     Box b;
-    for (const xcVector<2>& p : v) b.add(p);
+    for (const xcVector<2>& p : v)
+        b.add(p);
     return b;
 }
 
@@ -122,11 +131,13 @@ bool joinTouchingLoops(Loops& loops, std::vector<Box>& boxes, std::size_t& from)
     for (std::size_t i = from; i + 1 < loops.size(); ++i) {
         const Points& vi = loops[i]->points();
         for (std::size_t k = i + 1; k < loops.size(); ++k) {
-            if (apart(boxes[i], boxes[k])) continue;
+            if (apart(boxes[i], boxes[k]))
+                continue;
             for (std::size_t m = 0; m < vi.size(); ++m) {
                 const std::vector<int> found =
                     loops[k]->vertexIndex(vi[m], xn_regionDetail::kRepeatedVertexTolerance);
-                if (found.empty()) continue;
+                if (found.empty())
+                    continue;
                 const Points& vk = loops[k]->points();
                 Points joined;
                 appendCyclic(joined, vi, m, vi.size());
@@ -159,10 +170,12 @@ void xn_regionDetail::assignOuterLoop(const Points& walk, xcRegion& result) {
     repeatUntilStable(loops.size(), [&] { return dropInnerLoop(loops, from); });
 
     std::vector<Box> boxes;
-    for (const std::unique_ptr<xcRegion>& loop : loops) boxes.push_back(boxOf(loop->points()));
+    for (const std::unique_ptr<xcRegion>& loop : loops)
+        boxes.push_back(boxOf(loop->points()));
     from = 0;
     repeatUntilStable(loops.size(), [&] { return joinTouchingLoops(loops, boxes, from); });
 
-    if (loops.size() != 1) xstd_assert_(kAssertSource, kLoopsNotJoinedLine);
+    if (loops.size() != 1)
+        xstd_assert_(kAssertSource, kLoopsNotJoinedLine);
     result = *loops.front();
 }

@@ -46,7 +46,8 @@ template <class Crossings, class Outside>
 std::size_t startEdge(const Points& p, double offset, Crossings crossings, Outside outside) {
     for (std::size_t i = 0; i + 1 < p.size(); ++i) {
         const xcVector<2> d = p[i] - p[i + 1];
-        if (d == xcVector<2>()) continue;
+        if (d == xcVector<2>())
+            continue;
         const xcVector<2> u = xcLine(xcVector<2>(), d).direction();
         const xcVector<2> normal(-u.y(), u.x());
         const xcVector<2> m = (p[i] + p[i + 1]) / 2.0;
@@ -66,22 +67,26 @@ std::size_t startEdge(const Points& p, double offset, Crossings crossings, Outsi
 // it would never end. Counting h costs one segment query per edge, so it is counted only when
 // a walk outlasts the limit for h = 0.
 class WalkLimit {
-public:
+  public:
     WalkLimit(std::size_t vertexCount, std::function<std::size_t()> countCrossings)
-        : vertexCount_(vertexCount), countCrossings_(std::move(countCrossings)), limit_(limitFor(0)) {}
+        : vertexCount_(vertexCount),
+          countCrossings_(std::move(countCrossings)),
+          limit_(limitFor(0)) {}
 
     // Counts one pass; throws BadParams("invalid contour") when the limit is exceeded.
     void countPass() {
-        if (++passes_ <= limit_) return;
+        if (++passes_ <= limit_)
+            return;
         if (!crossingsCounted_) {
             crossingsCounted_ = true;
             limit_ = limitFor(countCrossings_());
-            if (passes_ <= limit_) return;
+            if (passes_ <= limit_)
+                return;
         }
         throwInvalidContour();
     }
 
-private:
+  private:
     std::size_t limitFor(std::size_t crossings) const {
         return kPassesPerState * 2 * (vertexCount_ + crossings) + kPassSlack;
     }
@@ -130,7 +135,9 @@ Points walkBoundary(const Points& p, std::size_t s, EdgeHits edgeHits, WalkLimit
 
 }  // namespace
 
-void xn_regionDetail::throwInvalidContour() { throw xcContourDefs::BadParams(L"invalid contour"); }
+void xn_regionDetail::throwInvalidContour() {
+    throw xcContourDefs::BadParams(L"invalid contour");
+}
 
 void xcRegion::regularize(xcRegion& result) const {
     if (!isSelfIntersecting()) {
@@ -159,7 +166,8 @@ void xcRegion::outerHullRegularize(xcRegion& result, bool full) const {
         return self.intersections(xcLineSeg(a, b), true, false).size();
     };
     const auto outside = [this](const xcVector<2>& q) { return insideCount(q, true) == 0; };
-    const std::size_t s = startEdge(p, medianFeatureSize() / kProbeOffsetDivisor, crossings, outside);
+    const std::size_t s =
+        startEdge(p, medianFeatureSize() / kProbeOffsetDivisor, crossings, outside);
 
     const auto edgeHits = [&self](const xcLineSeg& seg, std::vector<int>& edges) {
         return self.xcContour::intersections(seg, edges, false);
@@ -168,7 +176,8 @@ void xcRegion::outerHullRegularize(xcRegion& result, bool full) const {
         std::size_t total = 0;
         std::vector<int> edges;
         for (std::size_t k = 0; k < lineSegs().size(); ++k)
-            if (validLine()[k]) total += edgeHits(lineSegs()[k], edges).size();
+            if (validLine()[k])
+                total += edgeHits(lineSegs()[k], edges).size();
         return total;
     };
     WalkLimit limit(p.size(), countCrossings);

@@ -13,7 +13,8 @@ using Points = std::vector<xcVector<2>>;
 // vertex: the outline is built from the stored segments as they are.
 void appendSegmentEnds(Points& out, const std::vector<xcLineSeg>& segs, std::size_t first,
                        std::size_t count) {
-    for (std::size_t t = 0; t < count; ++t) out.push_back(segs[(first + t) % segs.size()].p2());
+    for (std::size_t t = 0; t < count; ++t)
+        out.push_back(segs[(first + t) % segs.size()].p2());
 }
 
 }  // namespace
@@ -23,9 +24,11 @@ void xcRegion::splice(const xcRegion& other, xcRegion& result) const {
     const std::vector<bool>& valid = validLine();
     std::vector<int> edges;
     for (std::size_t i = 0; i < mine.size(); ++i) {
-        if (!valid[i]) continue;
+        if (!valid[i])
+            continue;
         const Points hits = cacheFilling(other).xcContour::intersections(mine[i], edges, true);
-        if (hits.empty()) continue;
+        if (hits.empty())
+            continue;
         // This outline from the crossing round to the crossing, then the other one from there.
         Points outline{hits.front()};
         appendSegmentEnds(outline, mine, i, mine.size());

@@ -29,7 +29,8 @@ constexpr int kLoopsNotJoinedLine = 621;
 template <class Step>
 void repeatUntilStable(std::size_t limit, Step step) {
     for (std::size_t changes = 0; step();)
-        if (++changes > limit) throwInvalidContour();
+        if (++changes > limit)
+            throwInvalidContour();
 }
 
 /// Reduces the boundary walk to one outline and assigns it to `result`: the walk is cut into
