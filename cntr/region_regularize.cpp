@@ -22,11 +22,17 @@ constexpr double kProbeOffsetDivisor = 100.0;
 constexpr std::size_t kPassesPerState = 2;
 constexpr std::size_t kPassSlack = 64;
 
-// Sets `result` to the region that `cache` holds, computing it into a new region first when
-// `valid` is clear. The local handle keeps the region alive while `result` is assigned, since
-// `result` may be the region that owns `cache`.
+// Sets `result` to `region` itself when its outline does not cross itself; otherwise to the
+// region that `cache` holds, computing it into a new region first with `compute` when `valid`
+// is clear. The local handle keeps the cached region alive while `result` is assigned, since
+// `result` may be `region`, which owns `cache`.
 template <class Compute>
-void assignCached(bool& valid, xcPtrHandle<xcRegion>& cache, xcRegion& result, Compute compute) {
+void assignSelfOrCached(const xcRegion& region, bool& valid, xcPtrHandle<xcRegion>& cache,
+                        xcRegion& result, Compute compute) {
+    if (!region.isSelfIntersecting()) {
+        result = region;
+        return;
+    }
     if (!valid) {
         cache = xcPtrHandle<xcRegion>(new xcRegion);
         compute(*cache);
@@ -140,21 +146,13 @@ void xn_regionDetail::throwInvalidContour() {
 }
 
 void xcRegion::regularize(xcRegion& result) const {
-    if (!isSelfIntersecting()) {
-        result = *this;
-        return;
-    }
-    assignCached(regularizedValid_, regularized_, result,
-                 [this](xcRegion& walked) { outerHullRegularize(walked, false); });
+    assignSelfOrCached(*this, regularizedValid_, regularized_, result,
+                       [this](xcRegion& walked) { outerHullRegularize(walked, false); });
 }
 
 void xcRegion::outerHull(xcRegion& result) const {
-    if (!isSelfIntersecting()) {
-        result = *this;
-        return;
-    }
-    assignCached(outerHullValid_, outerHull_, result,
-                 [this](xcRegion& hull) { outerHullRegularize(hull, true); });
+    assignSelfOrCached(*this, outerHullValid_, outerHull_, result,
+                       [this](xcRegion& hull) { outerHullRegularize(hull, true); });
 }
 
 void xcRegion::outerHullRegularize(xcRegion& result, bool full) const {
