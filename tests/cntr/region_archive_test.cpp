@@ -9,6 +9,7 @@
 #include "region_testing.h"
 
 using testbytes::Bytes;
+using testbytes::expectUnknownVersion;
 
 namespace {
 
@@ -58,17 +59,6 @@ void regionRecordV0(Bytes& b, const Points& p, std::int32_t cvs, bool withBase =
     testbytes::pointVector(b, p);
     testbytes::u8(b, 0x5A);
     testbytes::u32(b, static_cast<std::uint32_t>(cvs));
-}
-
-template <class Load>
-void expectUnknownVersion(Load load, const std::string& source, long line) {
-    try {
-        load();
-        ADD_FAILURE() << "no UnknownVersion";
-    } catch (const xcArchive::UnknownVersion& e) {
-        EXPECT_EQ(e.source(), source);
-        EXPECT_EQ(e.line(), line);
-    }
 }
 
 }  // namespace
