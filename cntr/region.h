@@ -39,7 +39,7 @@ class xcRegionSet;
 ///
 /// Not thread-safe: even const queries write the caches.
 class CNTR_API xcRegion : public virtual xcContour {
-public:
+  public:
     /// An empty closed outline, no holes (what the archive's factory creates).
     xcRegion();
     /// The closed outline of `points` (label 0), then `mode` applied: keepOutline takes the
@@ -79,8 +79,10 @@ public:
     /// outline; the first that crosses it (intersections(hole outline, false) not empty) throws
     /// xcContourDefs::BadParams("holes cannot intersect region") and the old hole list stays.
     /// A hole touching the outline where no crossing is reported, or lying wholly outside it,
-    /// is accepted. Throws EmptyContour when the outline has fewer than 2 vertices and a hole
-    /// is given.
+    /// is accepted. A null handle throws BadParams("holes cannot be null") and a hole that
+    /// holds this region, directly or through its own holes, BadParams("holes cannot contain
+    /// region"): either would make later queries crash or recurse without end. Throws
+    /// EmptyContour when the outline has fewer than 2 vertices and a hole is given.
     void holes(const std::vector<xcPtrHandle<xcRegion>>& newHoles);
     /// As above, for const handles.
     void holes(const std::vector<xcPtrHandle_const<xcRegion>>& newHoles);
@@ -167,7 +169,7 @@ public:
     /// that touch are joined, leaving one outline. Cached separately.
     void outerHull(xcRegion& result) const;
 
-protected:
+  protected:
     /// Throws xcContourDefs::EmptyContour (empty message) when the outline has fewer than 3
     /// vertices. Hides the contour's check (limit 2) for the region's own measures; it is not
     /// virtual, so contour queries reached on a region keep the limit 2.
@@ -207,7 +209,7 @@ protected:
     };
     RegionCacheState regionCacheState() const;
 
-private:
+  private:
     friend class xcRegionSet;
 
     static xcPersistent* make();

@@ -19,7 +19,9 @@ xn_contourDetail::LegacyBaseRecord& legacyBase() {
 
 }  // namespace
 
-xcPersistent* xcRegion::make() { return new xcRegion(); }
+xcPersistent* xcRegion::make() {
+    return new xcRegion();
+}
 xc_Instantiator xcRegion::sExemplar(typeid(xcRegion), &xcRegion::make);
 
 void xcRegion::dispatchSerialize(xcArchive& ar) {
@@ -42,7 +44,8 @@ void xcRegion::serialize_(xcArchive& ar, unsigned char version) {
         // A valid record holds regions only: a hole stored as another class loads as a null
         // handle, which no setter accepts and every query with holes would dereference.
         for (const xcPtrHandle_const<xcRegion>& hole : holes_)
-            if (!hole) throw xcArchive::BadData(L"region hole is not a region");
+            if (!hole)
+                throw xcArchive::BadData(L"region hole is not a region");
     }
 }
 

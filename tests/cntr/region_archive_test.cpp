@@ -16,7 +16,7 @@ namespace {
 // A probe that the archive can create by name, so that reloaded regions can be inspected, and
 // that exposes the record of its region part.
 class StoredRegion : public RegionProbe {
-public:
+  public:
     StoredRegion() = default;
     explicit StoredRegion(const Points& p) : xcContour(p, true, 0), RegionProbe(p) {}
     using xcRegion::dispatchSerialize;
@@ -27,14 +27,16 @@ const xc_Instantiator storedRegionExemplar(typeid(StoredRegion), &StoredRegion::
 
 Bytes storeRegions(const std::vector<RegionHandle>& handles) {
     xcMemoryArchive out;
-    for (RegionHandle h : handles) out || h;
+    for (RegionHandle h : handles)
+        out || h;
     return out.bytes();
 }
 
 std::vector<RegionHandle> loadRegions(const Bytes& bytes, std::size_t count) {
     xcMemoryArchive in(bytes);
     std::vector<RegionHandle> result(count);
-    for (RegionHandle& h : result) in || h;
+    for (RegionHandle& h : result)
+        in || h;
     return result;
 }
 
