@@ -25,10 +25,11 @@ class xcRegionSet;
 /// region that holds it, without telling their caches. Holes are checked against the outline
 /// when they are set (no crossing), but not against each other nor for lying inside it.
 ///
-/// Caches. Area, centre of mass and inertia (each with and without holes) and the regularised
-/// and outer-hull regions are computed on first demand, also by const members, and kept until
-/// cleanCacheInfo(), which every change of the outline or of the hole list calls. Copies and
-/// assignments carry every cache along; the regularised and outer-hull regions are then shared.
+/// Caches. Area and centre of mass (with and without holes), the outline's inertia and the
+/// regularised and outer-hull regions are computed on first demand, also by const members, and
+/// kept until cleanCacheInfo(), which every change of the outline or of the hole list calls.
+/// Copies and assignments carry every cache along; the regularised and outer-hull regions are
+/// then shared.
 ///
 /// The region's own measures need 3 outline vertices and throw xcContourDefs::EmptyContour
 /// otherwise; contour queries reached on a region keep the contour's limit of 2.
