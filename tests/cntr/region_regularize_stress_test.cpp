@@ -18,12 +18,7 @@ namespace {
 
 // The sanitizers slow the walk down about tenfold; their build runs 3,000 outlines instead of
 // 10,000 to stay within half a minute.
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define CNTR_STRESS_SANITIZED 1
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(CNTR_STRESS_SANITIZED)
+#ifdef CNTR_TESTS_SANITIZED
 constexpr int kOutlinesPerFamily = 1000;
 #else
 constexpr int kOutlinesPerFamily = 3334;
