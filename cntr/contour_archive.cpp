@@ -43,7 +43,9 @@ void xcContour::dispatchSerialize(xcArchive& ar) {
     if (haveVisited(ar, self, sizeof(xcContour))) return;
     unsigned char version = kCurrentVersion;
     ar || version;
-    serialize_(ar, version);
+    // This level's record: a derived class's serialize_ override writes its own level and
+    // passes its contour part through here, so a virtual call would never end.
+    xcContour::serialize_(ar, version);
     setVisited(ar, self, sizeof(xcContour));
 }
 
