@@ -37,28 +37,13 @@ std::vector<SetHandle> loadSets(const Bytes& bytes, std::size_t count) {
     return sets;
 }
 
-// The points as a vector record: format 0, the count, then x and y of each.
-void pointsRecord(Bytes& b, const Points& p) {
-    testbytes::u8(b, 0);
-    testbytes::u32(b, static_cast<std::uint32_t>(p.size()));
-    for (const xcVector<2>& v : p) {
-        testbytes::f64(b, v.x());
-        testbytes::f64(b, v.y());
-    }
-}
-
 // A region written as a new object: the pointer record's head, the region's version 1, the
 // contour record (version 1, the xcPersistent byte, label, closed flag, points, limit) and an
 // empty holes vector record.
 void regionObject(Bytes& b, std::uint32_t label, const Points& p, std::int32_t limit) {
     testbytes::newObject(b, "xcRegion");
     testbytes::u8(b, 1);
-    testbytes::u8(b, 1);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, label);
-    testbytes::u8(b, 1);
-    pointsRecord(b, p);
-    testbytes::u32(b, static_cast<std::uint32_t>(limit));
+    testbytes::contourRecordV1(b, label, true, p, limit);
     testbytes::u8(b, 0);
     testbytes::u32(b, 0);
 }
@@ -87,7 +72,7 @@ void expectUnknownVersion(Load load, const std::string& source, long line) {
 
 TEST(RegionSetArchive, RecordLayoutOfVersionOne) {
     const Points outline = rectangle(0, 0, 2, 1);
-    const RegionHandle r = region(outline);
+    const RegionHandle r = regionOf(outline);
     r->label(4);
     SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(r)}, Defs::keepOutline));
     s->cachedVectorSize(6);
@@ -144,7 +129,7 @@ TEST(RegionSetArchive, RegionsSharedWithAnotherSetStayShared) {
 
 TEST(RegionSetArchive, ARegionHeldTwiceIsStoredOnce) {
     const Points outline = rectangle(0, 0, 1, 1);
-    const RegionHandle r = region(outline);
+    const RegionHandle r = regionOf(outline);
     SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(r), ConstRegionHandle(r)}, Defs::keepOutline));
 
     // The second element is a back-reference (tag 2) to counted object 1 (the set is 0).
@@ -210,12 +195,7 @@ TEST(RegionSetArchive, MemberOfAnotherClassIsRefused) {
     testbytes::newObject(b, "xcRegionSet");
     setHead(b, 1, 1);
     testbytes::newObject(b, "xcContour");
-    testbytes::u8(b, 1);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, 0);
-    testbytes::u8(b, 1);
-    pointsRecord(b, rectangle(0, 0, 1, 1));
-    testbytes::u32(b, 3);
+    testbytes::contourRecordV1(b, 0, true, rectangle(0, 0, 1, 1), 3);
     testbytes::u32(b, 3);
     try {
         loadSets(b, 1);

@@ -91,7 +91,7 @@ TEST(RegionSetMeasures, AreaIsCachedPerFlagAndEachFillCountsAsAChange) {
 TEST(RegionSetMeasures, AreaErrorOfARegionPropagatesAndCachesNothing) {
     // A region of two vertices has no area: EmptyContour.
     const RegionSetProbe s(RegionHandles{ConstRegionHandle(box(0, 0, 1, 1)),
-                                         ConstRegionHandle(region({{0, 0}, {1, 1}}))},
+                                         ConstRegionHandle(regionOf({{0, 0}, {1, 1}}))},
                            Defs::keepOutline);
     expectEmptyContour([&] { s.area(true); });
     EXPECT_FALSE(s.cacheState().areaValid[1]);
@@ -153,7 +153,7 @@ TEST(RegionSetMeasures, AreasSummingWithinTheToleranceOfZeroGiveTheOrigin) {
                                                                     rectangle(100, 100, 101, 101))),
                                    ConstRegionHandle(regionWithHole(rectangle(50, 50, 51, 51),
                                                                     rectangle(200, 0, 202, 2))),
-                                   ConstRegionHandle(region({{0, 0}, {1, 0}, {0, sliver}}))},
+                                   ConstRegionHandle(regionOf({{0, 0}, {1, 0}, {0, sliver}}))},
                      Defs::keepOutline);
     ASSERT_EQ(s.area(true), std::ldexp(1.0, -53));
     EXPECT_EQ(s.centerOfMass(true), xcVector<2>(0, 0));
@@ -277,7 +277,7 @@ TEST(RegionSetMeasures, DistToPointPassesTheFlagsOn) {
 
 TEST(RegionSetMeasures, DistToPointIgnoresANaNDistance) {
     // Vertices only: the nearest vertex of an all-NaN outline is its first, at a NaN distance.
-    const RegionHandle nanRegion = region({{kNaN, kNaN}, {kNaN, kNaN}, {kNaN, kNaN}});
+    const RegionHandle nanRegion = regionOf({{kNaN, kNaN}, {kNaN, kNaN}, {kNaN, kNaN}});
     const xcVector<2> p(3.5, 0.5);
     ASSERT_TRUE(std::isnan(nanRegion->distToPoint(p, true, false, false)));
     const xcRegionSet mixed(RegionHandles{ConstRegionHandle(nanRegion), ConstRegionHandle(box(4, 0, 5, 1))},
@@ -402,7 +402,7 @@ TEST(RegionSetMeasures, DisjointRegionsDoNotIntersectAndTheSecondCallUsesTheCach
 }
 
 TEST(RegionSetMeasures, AnOutlineCrossingItselfMakesTheSetSelfIntersecting) {
-    const RegionSetProbe s(RegionHandles{ConstRegionHandle(box(10, 10, 11, 11)), ConstRegionHandle(region(bowTie()))},
+    const RegionSetProbe s(RegionHandles{ConstRegionHandle(box(10, 10, 11, 11)), ConstRegionHandle(regionOf(bowTie()))},
                            Defs::keepOutline);
     EXPECT_TRUE(s.isSelfIntersecting());
     EXPECT_TRUE(s.cacheState().selfIntersectingValid);
@@ -419,7 +419,7 @@ TEST(RegionSetMeasures, TwoCrossingOutlinesMakeTheSetSelfIntersecting) {
 TEST(RegionSetMeasures, AVertexOnAnotherOutlineCounts) {
     // The triangle's vertex (2, 1) lies on the square's edge x = 2.
     const RegionSetProbe s(RegionHandles{ConstRegionHandle(box(0, 0, 2, 2)),
-                                         ConstRegionHandle(region({{2, 1}, {4, 0}, {4, 2}}))},
+                                         ConstRegionHandle(regionOf({{2, 1}, {4, 0}, {4, 2}}))},
                            Defs::keepOutline);
     EXPECT_TRUE(s.isSelfIntersecting());
 }
@@ -433,7 +433,7 @@ TEST(RegionSetMeasures, HolesAreNotExamined) {
 
 TEST(RegionSetMeasures, SelfIntersectionErrorPropagatesAndCachesNothing) {
     // A one-vertex outline has no edges for the contour's crossing query (EmptyContour).
-    const RegionSetProbe s(RegionHandles{ConstRegionHandle(region({{0, 0}})), ConstRegionHandle(box(0, 0, 1, 1))},
+    const RegionSetProbe s(RegionHandles{ConstRegionHandle(regionOf({{0, 0}})), ConstRegionHandle(box(0, 0, 1, 1))},
                            Defs::keepOutline);
     expectEmptyContour([&] { s.isSelfIntersecting(); });
     EXPECT_FALSE(s.cacheState().selfIntersectingValid);
@@ -469,7 +469,7 @@ TEST(RegionSetMeasures, SelfIntersectionAgreesWithThePairwiseDefinitionOnRandomS
             const double x = coordinate(), y = coordinate();
             Points p{{x, y}, {x + 1 + coordinate() / 4, y}, {x, y + 1 + coordinate() / 4}};
             if (random.next(0.0, 1.0) < 0.05) p[1] = xcVector<2>(kNaN, y);
-            regions.emplace_back(region(p));
+            regions.emplace_back(regionOf(p));
         }
         const bool expected = crossingByDefinition(regions);
         crossingSets += expected ? 1 : 0;

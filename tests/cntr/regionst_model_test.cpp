@@ -32,7 +32,7 @@ public:
         xcUITablet::Layers layers;
     };
     DrawLoggingRegion(const Points& outline, std::vector<Call>& log)
-        : xcRegion(outline, Defs::keepOutline), log_(log) {}
+        : xcContour(outline, true, 0), xcRegion(outline, Defs::keepOutline), log_(log) {}
     void draw(xcUITablet& tablet, const xcColor& color,
               const xcUITablet::Layers& layers) const override {
         log_.push_back(Call{this, &tablet, color, layers});
@@ -117,7 +117,7 @@ TEST(RegionSetModel, ModeZeroKeepsCrossingRegionsAsGiven) {
 }
 
 TEST(RegionSetModel, UnknownModeValueKeepsTheList) {
-    const RegionHandles given{ConstRegionHandle(region(bowTie()))};
+    const RegionHandles given{ConstRegionHandle(regionOf(bowTie()))};
     xcRegionSet s(given, static_cast<Defs::IntersectionMode>(7));
     ASSERT_EQ(s.regions().size(), 1u);
     EXPECT_EQ(s.regions()[0].rep(), given[0].rep());
