@@ -49,7 +49,7 @@ class xcArchive;
 /// Not thread-safe: even const queries write the caches. Separate sets may be used from
 /// separate threads, provided they do not share regions.
 class CNTR_API xcRegionSet : public virtual xcPersistent, public virtual xcRepBase {
-public:
+  public:
     using RegionHandles = std::vector<xcPtrHandle_const<xcRegion>>;
     using MutableRegionHandles = std::vector<xcPtrHandle<xcRegion>>;
 
@@ -160,7 +160,7 @@ public:
     /// As regularize, with xcRegion::outerHull applied to every region of the merged list.
     void outerHull(xcRegionSet& out) const;
 
-protected:
+  protected:
     /// Assigns the handle vector only: no cache reset and no mode step (for derived classes
     /// that keep the list in step with their own). Throws BadParams for a null handle.
     void setRegions(const RegionHandles& r);
@@ -202,7 +202,7 @@ protected:
     };
     CacheState cacheState() const;
 
-private:
+  private:
     /// A value cached per considerHoles flag.
     template <class T>
     struct FlagSlot {

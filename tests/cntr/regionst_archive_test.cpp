@@ -19,21 +19,23 @@ namespace {
 
 // A set probe that exposes its own record, for loading in place.
 class StoredSetProbe : public RegionSetProbe {
-public:
+  public:
     using RegionSetProbe::RegionSetProbe;
     using xcRegionSet::dispatchSerialize;
 };
 
 Bytes storeSets(const std::vector<SetHandle>& sets) {
     xcMemoryArchive out;
-    for (SetHandle s : sets) out || s;
+    for (SetHandle s : sets)
+        out || s;
     return out.bytes();
 }
 
 std::vector<SetHandle> loadSets(const Bytes& bytes, std::size_t count) {
     xcMemoryArchive in(bytes);
     std::vector<SetHandle> sets(count);
-    for (SetHandle& s : sets) in || s;
+    for (SetHandle& s : sets)
+        in || s;
     return sets;
 }
 
@@ -87,8 +89,8 @@ TEST(RegionSetArchive, RecordLayoutOfVersionOne) {
 
 TEST(RegionSetArchive, StoredAndReloadedSetIsEqualWithItsLimit) {
     SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(box(0, 0, 1, 1)),
-                                              ConstRegionHandle(regionWithHole(rectangle(5, 5, 9, 9),
-                                                                               rectangle(6, 6, 7, 7)))},
+                                              ConstRegionHandle(regionWithHole(
+                                                  rectangle(5, 5, 9, 9), rectangle(6, 6, 7, 7)))},
                                 Defs::keepOutline));
     s->cachedVectorSize(0);
     const SetHandle back = loadSets(storeSets({s}), 1)[0];
@@ -130,7 +132,8 @@ TEST(RegionSetArchive, RegionsSharedWithAnotherSetStayShared) {
 TEST(RegionSetArchive, ARegionHeldTwiceIsStoredOnce) {
     const Points outline = rectangle(0, 0, 1, 1);
     const RegionHandle r = regionOf(outline);
-    SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(r), ConstRegionHandle(r)}, Defs::keepOutline));
+    SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(r), ConstRegionHandle(r)},
+                                Defs::keepOutline));
 
     // The second element is a back-reference (tag 2) to counted object 1 (the set is 0).
     Bytes expected = testbytes::header();
@@ -148,7 +151,8 @@ TEST(RegionSetArchive, ARegionHeldTwiceIsStoredOnce) {
 }
 
 TEST(RegionSetArchive, ASetReachedTwiceIsStoredOnce) {
-    SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(box(0, 0, 1, 1))}, Defs::keepOutline));
+    SetHandle s(
+        new xcRegionSet(RegionHandles{ConstRegionHandle(box(0, 0, 1, 1))}, Defs::keepOutline));
     const std::vector<SetHandle> back = loadSets(storeSets({s, s}), 2);
     EXPECT_EQ(back[0].rep(), back[1].rep());
 }
@@ -206,7 +210,8 @@ TEST(RegionSetArchive, MemberOfAnotherClassIsRefused) {
 }
 
 TEST(RegionSetArchive, TruncatedRecordFails) {
-    SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(box(0, 0, 1, 1))}, Defs::keepOutline));
+    SetHandle s(
+        new xcRegionSet(RegionHandles{ConstRegionHandle(box(0, 0, 1, 1))}, Defs::keepOutline));
     Bytes b = storeSets({s});
     b.resize(b.size() - 2);
     EXPECT_THROW(loadSets(b, 1), xcArchive::Truncated);
@@ -218,8 +223,9 @@ TEST(RegionSetArchive, LoadingInPlaceReplacesTheListAndDropsTheCaches) {
     xcMemoryArchive out;
     source.dispatchSerialize(out);
 
-    StoredSetProbe target(RegionHandles{ConstRegionHandle(box(10, 10, 11, 11)), ConstRegionHandle(box(20, 0, 21, 1))},
-                          Defs::keepOutline);
+    StoredSetProbe target(
+        RegionHandles{ConstRegionHandle(box(10, 10, 11, 11)), ConstRegionHandle(box(20, 0, 21, 1))},
+        Defs::keepOutline);
     target.area(true);
     target.encloseRect(xcXform<2>::I);
     target.isSelfIntersecting();

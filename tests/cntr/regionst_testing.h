@@ -17,7 +17,7 @@
 /// A region set that exposes the protected members to the tests and counts calls of the cache
 /// reset.
 class RegionSetProbe : public xcRegionSet {
-public:
+  public:
     using xcRegionSet::xcRegionSet;
     RegionSetProbe(const RegionSetProbe&) = default;
     RegionSetProbe& operator=(const RegionSetProbe&) = default;
@@ -33,7 +33,7 @@ public:
 
     int cleanCalls = 0;
 
-protected:
+  protected:
     void cleanCacheInfo() override {
         ++cleanCalls;
         xcRegionSet::cleanCacheInfo();
@@ -61,7 +61,9 @@ inline RegionHandle regionWithHole(const Points& outline, const Points& hole) {
 }
 
 /// The outline (0,0), (2,2), (2,0), (0,2): two triangles meeting where the edges cross at (1,1).
-inline Points bowTie() { return {{0, 0}, {2, 2}, {2, 0}, {0, 2}}; }
+inline Points bowTie() {
+    return {{0, 0}, {2, 2}, {2, 0}, {0, 2}};
+}
 
 inline void PrintTo(const xcRegionSet& s, std::ostream* os) {
     xcRegionSet copy(s);
