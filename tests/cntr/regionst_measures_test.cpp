@@ -341,23 +341,40 @@ TEST(RegionSetMeasures, TransformsDifferingOnlyInElementOneOneShareAnEntry) {
     EXPECT_EQ(s.cacheState().rectCache->size(), 1u);
 }
 
+namespace {
+
+// A set of one unit square whose rectangle cache holds translations by 0, 1, 2 and 3 in x; the
+// region's own memo is large enough never to replace, so it never draws.
+RegionSetProbe fourTranslationsCached() {
+    const RegionHandle only = box(0, 0, 1, 1);
+    only->cachedVectorSize(10);
+    RegionSetProbe s(RegionHandles{ConstRegionHandle(only)}, Defs::keepOutline);
+    for (int i = 0; i < 4; ++i)
+        s.encloseRect(translation(i, 0));
+    return s;
+}
+
+// The cache keys expected after a translation by 10 replaced the entry at the position that
+// the `drawIndex`-th draw (from 0) of a generator seeded with 1 gives among four.
+std::vector<double> afterReplacement(int drawIndex) {
+    xcRandomUniform reference(1);
+    for (int k = 0; k < drawIndex; ++k)
+        reference.next(0.0, 1.0);
+    const long victim = xfIFloor(reference.next(0.0, 4.0));
+    std::vector<double> keys{0, 1, 2, 3};
+    keys.erase(keys.begin() + victim);
+    keys.push_back(10);
+    return keys;
+}
+
+}  // namespace
+
 TEST(RegionSetMeasures, FourTransformsFillFourEntriesAndAFifthReplacesARandomOne) {
     onFreshThread([] {
-        const RegionHandle only = box(0, 0, 1, 1);
-        only->cachedVectorSize(10);  // the region's own memo never replaces, never draws
-        RegionSetProbe s(RegionHandles{ConstRegionHandle(only)}, Defs::keepOutline);
-        for (int i = 0; i < 4; ++i)
-            s.encloseRect(translation(i, 0));
+        RegionSetProbe s = fourTranslationsCached();
         EXPECT_EQ(cachedTranslations(s), (std::vector<double>{0, 1, 2, 3}));
-
         s.encloseRect(translation(10, 0));
-        // The replaced position is the first draw of a generator seeded with 1, scaled to 4.
-        xcRandomUniform reference(1);
-        const long victim = xfIFloor(reference.next(0.0, 4.0));
-        std::vector<double> expected{0, 1, 2, 3};
-        expected.erase(expected.begin() + victim);
-        expected.push_back(10);
-        EXPECT_EQ(cachedTranslations(s), expected);
+        EXPECT_EQ(cachedTranslations(s), afterReplacement(0));
     });
 }
 
@@ -370,23 +387,12 @@ TEST(RegionSetMeasures, RectangleReplacementDrawsFromTheContoursGenerator) {
         for (int i = 0; i < 3; ++i)
             contour.encloseRect(translation(i, 0));
 
-        const RegionHandle only = box(0, 0, 1, 1);
-        only->cachedVectorSize(10);
-        RegionSetProbe s(RegionHandles{ConstRegionHandle(only)}, Defs::keepOutline);
-        for (int i = 0; i < 4; ++i)
-            s.encloseRect(translation(i, 0));
+        RegionSetProbe s = fourTranslationsCached();
         s.encloseRect(translation(10, 0));  // the set's replacement: the thread's third draw
-
         // With seed 1 the first three draws scaled to 4 fall in positions 2, 2 and 3, so the
         // replaced entry tells which draw the set took.
-        xcRandomUniform reference(1);
-        reference.next(0.0, 1.0);
-        reference.next(0.0, 1.0);
-        const long victim = xfIFloor(reference.next(0.0, 4.0));
-        std::vector<double> expected{0, 1, 2, 3};
-        expected.erase(expected.begin() + victim);
-        expected.push_back(10);
-        EXPECT_EQ(cachedTranslations(s), expected);
+        EXPECT_EQ(cachedTranslations(s), afterReplacement(2));
+        EXPECT_NE(afterReplacement(2), afterReplacement(0));
     });
 }
 
