@@ -209,6 +209,8 @@ protected:
 
 private:
     friend class xcRegionSet;
+    // Gives the unit tests access to the private splice and walk engine.
+    friend struct xcRegionTestAccess;
 
     static xcPersistent* make();
     static xc_Instantiator sExemplar;
