@@ -30,12 +30,25 @@ struct VertexBox {
 };
 VertexBox vertexBox(const xcContour& contour);
 
-/// False only when outline.xcContour::intersections(other) is certainly empty because the
-/// outline's enclosing rectangle and `otherBox`, the vertex box of `other`, do not overlap (the
-/// contour query rejects each edge of `other` by that same rectangle test). Asks the outline's
-/// encloseRect(identity) exactly when the contour query would, so the outline's memo, the
-/// random generator and the EmptyContour failure are as if the query had run.
-bool outlinesMayMeet(xcContour& outline, const VertexBox& otherBox);
+/// Decides, pair by pair, whether outline.xcContour::intersections(other) can be skipped: it is
+/// certainly empty when the outline's enclosing rectangle and the vertex box of `other` do not
+/// overlap, since the contour query rejects each edge of `other` by that same rectangle test.
+/// The outline's encloseRect(identity) is asked on the first pair that needs it, as the
+/// contour query would ask it, and reused afterwards (later asks would only hit its memo), so
+/// the outline's memo, the random generator and the EmptyContour failure are as if the
+/// queries had run.
+class OutlineFilter {
+  public:
+    explicit OutlineFilter(xcContour& outline) : outline_(&outline) {}
+    /// False only when the contour query of the outline with a contour of box `other` is empty.
+    bool mayMeet(const VertexBox& other);
+
+  private:
+    xcContour* outline_;
+    bool asked_ = false;
+    bool usable_ = false;
+    xcRect rect_;
+};
 
 }  // namespace xn_regionSetDetail
 

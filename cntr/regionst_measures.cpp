@@ -148,8 +148,9 @@ bool xcRegionSet::anyOutlinesCross() const {
         boxes.push_back(vertexBox(*region));
     for (std::size_t i = 0; i < regions_.size(); ++i) {
         xcContour& outline = queried(regions_[i]);
+        OutlineFilter filter(outline);
         for (std::size_t j = i + 1; j < regions_.size(); ++j) {
-            if (!outlinesMayMeet(outline, boxes[j]))
+            if (!filter.mayMeet(boxes[j]))
                 continue;
             const xcContour& other = *regions_[j];
             if (!outline.xcContour::intersections(other).empty())
@@ -174,11 +175,14 @@ xn_regionSetDetail::VertexBox xn_regionSetDetail::vertexBox(const xcContour& con
     return box;
 }
 
-bool xn_regionSetDetail::outlinesMayMeet(xcContour& outline, const VertexBox& otherBox) {
-    if (!otherBox.known)
+bool xn_regionSetDetail::OutlineFilter::mayMeet(const VertexBox& other) {
+    if (!other.known)
         return true;
-    const xcRect rect = outline.encloseRect(xcXform<2>::I);
-    const bool finite = std::isfinite(rect.ul().x()) && std::isfinite(rect.ul().y()) &&
-                        std::isfinite(rect.lr().x()) && std::isfinite(rect.lr().y());
-    return !finite || xn_contourDetail::rectsOverlap(rect, otherBox.rect);
+    if (!asked_) {
+        rect_ = outline_->encloseRect(xcXform<2>::I);
+        usable_ = std::isfinite(rect_.ul().x()) && std::isfinite(rect_.ul().y()) &&
+                  std::isfinite(rect_.lr().x()) && std::isfinite(rect_.lr().y());
+        asked_ = true;
+    }
+    return !usable_ || xn_contourDetail::rectsOverlap(rect_, other.rect);
 }
