@@ -2,8 +2,10 @@
 // region is regularised or hulled on its own.
 #include <cntr/regionst.h>
 
+#include <cntr/region_detail.h>
 #include <cntr/regionst_detail.h>
 
+using namespace xn_regionDetail;
 using namespace xn_regionSetDetail;
 
 namespace {
@@ -64,12 +66,12 @@ void xcRegionSet::mergePass(RegionHandles& work) {
     for (const xcPtrHandle_const<xcRegion>& region : work)
         boxes.push_back(vertexBox(*region));
     for (std::size_t i = 0; i + 1 < work.size(); ++i) {
-        OutlineFilter filter(queried(work[i]));
+        OutlineFilter filter(cacheFilling(*work[i]));
         for (std::size_t j = i + 1; j < work.size(); ++j) {
             if (!filter.mayMeet(boxes[j]))
                 continue;
             const xcContour& outlineJ = *work[j];
-            if (queried(work[i]).intersections(outlineJ, false).empty())
+            if (cacheFilling(*work[i]).intersections(outlineJ, false).empty())
                 continue;
             const xcPtrHandle<xcRegion> merged = newEmptyRegion();
             work[i]->splice(*work[j], *merged);
