@@ -43,7 +43,9 @@ void xcContour::dispatchSerialize(xcArchive& ar) {
     if (haveVisited(ar, self, sizeof(xcContour))) return;
     unsigned char version = kCurrentVersion;
     ar || version;
-    serialize_(ar, version);
+    // This level's own fields, not a derived class's: a derived serialize_ passes its contour
+    // part through this function, and a virtual call would come back to it without end.
+    xcContour::serialize_(ar, version);
     setVisited(ar, self, sizeof(xcContour));
 }
 
