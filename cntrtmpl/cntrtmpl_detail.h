@@ -11,7 +11,9 @@ constexpr const char* kArchiveSource = "cntrtmpl";
 
 /// The geometric operations that the edgelet shapes do not provide (mapping, hulls,
 /// regularisation) refuse every call with the foundation's error for an unsupported operation.
-[[noreturn]] inline void throwNotProvided() { throw xcPel::BadWindow(); }
+[[noreturn]] inline void throwNotProvided() {
+    throw xcPel::BadWindow();
+}
 
 }  // namespace xn_cntrtmplDetail
 

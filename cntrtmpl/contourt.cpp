@@ -11,7 +11,8 @@ constexpr unsigned char kCurrentVersion = 1;
 constexpr long kBadVersionLine = 98;
 
 xcPtrHandle_const<xc2XformBase> cloneOrIdentity(const xcPtrHandle_const<xc2XformBase>& xform) {
-    if (xform) return xform->clone();
+    if (xform)
+        return xform->clone();
     return xcPtrHandle_const<xc2XformBase>(new xc2XformLinear());
 }
 
@@ -42,7 +43,8 @@ xcContourT<T>::xcContourT(const xcContourT& other)
 
 template <class T>
 xcContourT<T>& xcContourT<T>::operator=(const xcContourT& other) {
-    if (&other == this) return *this;
+    if (&other == this)
+        return *this;
     xcContour::operator=(other);
     assignEdgeletPart(other);
     return *this;
@@ -107,7 +109,8 @@ void xcContourT<T>::makeDataConsistentWithPoints() {
     cleanCacheInfo();
     data_.clear();
     data_.reserve(points().size());
-    for (const xcVector<2>& p : points()) data_.push_back(datum(p));
+    for (const xcVector<2>& p : points())
+        data_.push_back(datum(p));
 }
 
 template <class T>
@@ -115,7 +118,8 @@ void xcContourT<T>::makePointsConsistentWithData() {
     cleanCacheInfo();
     std::vector<xcVector<2>> rebuilt;
     rebuilt.reserve(data_.size());
-    for (const T& e : data_) rebuilt.push_back(point(e));
+    for (const T& e : data_)
+        rebuilt.push_back(point(e));
     setPoints(rebuilt);
 }
 
@@ -138,7 +142,8 @@ void xcContourT<T>::serialize_(xcArchive& ar, unsigned char version) {
     checkVersion(version, kCurrentVersion, xn_cntrtmplDetail::kArchiveSource, kBadVersionLine);
     xcContour::dispatchSerialize(ar);
     xfSerializeVector(ar, data_);
-    if (version >= 1) ar || xform_;
+    if (version >= 1)
+        ar || xform_;
     if (ar.isLoading()) {
         inverseValid_ = false;
         inverse_ = xcPtrHandle<xc2XformBase>();

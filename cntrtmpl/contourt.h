@@ -36,7 +36,7 @@ class xcRegionT;
 /// Not thread-safe, like xcContour: point() fills the cached inverse, also through const.
 template <class T>
 class xcContourT : public virtual xcContour {
-public:
+  public:
     /// An empty closed contour with label 0, no data and a null transform (what the archive's
     /// factory creates).
     xcContourT();
@@ -84,7 +84,7 @@ public:
     bool operator==(const xcContourT& other) const;
     bool operator!=(const xcContourT& other) const { return !(*this == other); }
 
-protected:
+  protected:
     /// Record, version 1: the version byte, the contour part's complete record, the data as a
     /// vector record and the transform as a handle record (a transform shared by several
     /// contours is stored once). Version 0 (read) has no transform. Each object is stored once
@@ -106,7 +106,7 @@ protected:
     /// the contour part alone; for derived classes that assign the contour part themselves.
     void assignEdgeletPart(const xcContourT& other);
 
-private:
+  private:
     static xcPersistent* make();
     static xc_Instantiator sExemplar;
 

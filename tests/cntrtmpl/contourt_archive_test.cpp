@@ -17,21 +17,23 @@ namespace {
 
 // Exposes the record of one edgelet contour, to store or load it in place.
 class EdgeletContourProbe : public EdgeletContour {
-public:
-    using EdgeletContour::EdgeletContour;
+  public:
     using EdgeletContour::dispatchSerialize;
+    using EdgeletContour::EdgeletContour;
 };
 
 Bytes store(const std::vector<xcPtrHandle<EdgeletContour>>& handles) {
     xcMemoryArchive out;
-    for (xcPtrHandle<EdgeletContour> h : handles) out || h;
+    for (xcPtrHandle<EdgeletContour> h : handles)
+        out || h;
     return out.bytes();
 }
 
 std::vector<xcPtrHandle<EdgeletContour>> load(const Bytes& bytes, std::size_t count) {
     xcMemoryArchive in(bytes);
     std::vector<xcPtrHandle<EdgeletContour>> handles(count);
-    for (xcPtrHandle<EdgeletContour>& h : handles) in || h;
+    for (xcPtrHandle<EdgeletContour>& h : handles)
+        in || h;
     return handles;
 }
 
@@ -71,11 +73,13 @@ void dataPart(Bytes& b, const Edgelets& data) {
 
 // A new xc2XformLinear in a pointer record: version 0, the xcPersistent byte 0, the matrix
 // row by row and the translation.
-void linearXformObject(Bytes& b, double e00, double e01, double e10, double e11, double tx, double ty) {
+void linearXformObject(Bytes& b, double e00, double e01, double e10, double e11, double tx,
+                       double ty) {
     testbytes::newObject(b, "xc2XformLinear");
     testbytes::u8(b, 0);
     testbytes::u8(b, 0);
-    for (double v : {e00, e01, e10, e11, tx, ty}) testbytes::f64(b, v);
+    for (double v : {e00, e01, e10, e11, tx, ty})
+        testbytes::f64(b, v);
 }
 
 // Bytes of one edgelet contour record of the given version (without a transform), as a new
@@ -91,14 +95,17 @@ Bytes contourTArchive(unsigned version, const Points& p, const Edgelets& data) {
 
 std::size_t occurrences(const Bytes& bytes, const std::string& text) {
     std::size_t n = 0;
-    for (auto it = bytes.begin(); (it = std::search(it, bytes.end(), text.begin(), text.end())) != bytes.end(); ++it) ++n;
+    for (auto it = bytes.begin();
+         (it = std::search(it, bytes.end(), text.begin(), text.end())) != bytes.end(); ++it)
+        ++n;
     return n;
 }
 
 }  // namespace
 
 TEST(ContourTArchive, RecordLayoutOfVersionOne) {
-    xcPtrHandle<EdgeletContour> h(new EdgeletContour({edgelet(14, 26, 300, 10), edgelet(10, 20, 7, 64)}, scaleTwoShift()));
+    xcPtrHandle<EdgeletContour> h(
+        new EdgeletContour({edgelet(14, 26, 300, 10), edgelet(10, 20, 7, 64)}, scaleTwoShift()));
     h->label(77);
     Bytes expected = testbytes::header();
     testbytes::newObject(expected, "xcContourT<xcEdgelet>");
@@ -111,7 +118,8 @@ TEST(ContourTArchive, RecordLayoutOfVersionOne) {
 }
 
 TEST(ContourTArchive, StoredAndReloadedRestoresEverything) {
-    xcPtrHandle<EdgeletContour> h(new EdgeletContour({edgelet(14, 26, 300, 10), edgelet(12, 30, 1, 255)}, scaleTwoShift()));
+    xcPtrHandle<EdgeletContour> h(
+        new EdgeletContour({edgelet(14, 26, 300, 10), edgelet(12, 30, 1, 255)}, scaleTwoShift()));
     h->label(123456);
     h->isClosed(false);
     h->cachedVectorSize(0);
@@ -124,7 +132,8 @@ TEST(ContourTArchive, StoredAndReloadedRestoresEverything) {
     EXPECT_EQ(back->cachedVectorSize(), 0);
     const auto* x = dynamic_cast<const xc2XformLinear*>(back->dataFromPointsXform().rep());
     ASSERT_NE(x, nullptr);
-    EXPECT_TRUE(xfRealEq(x->xform(), xcXform<2>(xcMatrix<2>(2, 0, 0, 2), xcVector<2>(10, 20)), 0.0));
+    EXPECT_TRUE(
+        xfRealEq(x->xform(), xcXform<2>(xcMatrix<2>(2, 0, 0, 2), xcVector<2>(10, 20)), 0.0));
     // The inverse is computed afresh: (16 - 10) / 2 = 3, (18 - 20) / 2 = -1.
     EXPECT_EQ(back->point(edgelet(16, 18)), xcVector<2>(3, -1));
 }
@@ -137,7 +146,8 @@ TEST(ContourTArchive, ReloadedContourHoldsAnotherTransformObject) {
 }
 
 TEST(ContourTArchive, SharedTransformIsStoredOnceAndLoadsAsOneObject) {
-    xcPtrHandle<EdgeletContour> a(new EdgeletContour({edgelet(0, 0), edgelet(5, 0)}, scaleTwoShift()));
+    xcPtrHandle<EdgeletContour> a(
+        new EdgeletContour({edgelet(0, 0), edgelet(5, 0)}, scaleTwoShift()));
     xcPtrHandle<EdgeletContour> b(new EdgeletContour(*a));
     b->points({{7, 7}});
     xcPtrHandle<EdgeletContour> c(new EdgeletContour(*a));
@@ -168,7 +178,8 @@ TEST(ContourTArchive, SecondContourRefersBackToTheSharedTransform) {
     Bytes transform;
     linearXformObject(transform, 2, 0, 0, 2, 10, 20);
     const std::size_t aEnd = expected.size() / 2 + 4;  // header is 8 bytes, two equal records
-    expected.insert(expected.begin() + static_cast<std::ptrdiff_t>(aEnd), transform.begin(), transform.end());
+    expected.insert(expected.begin() + static_cast<std::ptrdiff_t>(aEnd), transform.begin(),
+                    transform.end());
     testbytes::u8(expected, 2);
     testbytes::u32(expected, 1);
     EXPECT_EQ(store({a, b}), expected);
@@ -181,7 +192,8 @@ TEST(ContourTArchive, ContourStoredTwiceLoadsAsOneObject) {
 }
 
 TEST(ContourTArchive, VersionZeroRecordLoadsWithNullTransform) {
-    const Bytes bytes = contourTArchive(0, {{1, 2}, {3, 4}}, {edgelet(1, 2, 5, 6), edgelet(3, 4, 7, 8)});
+    const Bytes bytes =
+        contourTArchive(0, {{1, 2}, {3, 4}}, {edgelet(1, 2, 5, 6), edgelet(3, 4, 7, 8)});
     const xcPtrHandle<EdgeletContour> back = load(bytes, 1)[0];
     ASSERT_FALSE(back.isNull());
     EXPECT_EQ(back->points(), (Points{{1, 2}, {3, 4}}));
@@ -217,15 +229,18 @@ TEST(ContourTArchive, VersionTwoThrowsUnknownVersionAtLine98) {
 }
 
 TEST(ContourTArchive, LoadingForgetsTheCachedInverse) {
-    EdgeletContourProbe target({edgelet(4, 6)}, linearXform(xcXform<2>(xcMatrix<2>(2, 0, 0, 2), xcVector<2>())));
+    EdgeletContourProbe target({edgelet(4, 6)},
+                               linearXform(xcXform<2>(xcMatrix<2>(2, 0, 0, 2), xcVector<2>())));
     ASSERT_EQ(target.point(edgelet(4, 6)), xcVector<2>(2, 3));  // the halving inverse is cached
 
-    EdgeletContourProbe source({edgelet(100, 0)}, linearXform(xcXform<2>(xcMatrix<2>::I, xcVector<2>(100, 0))));
+    EdgeletContourProbe source({edgelet(100, 0)},
+                               linearXform(xcXform<2>(xcMatrix<2>::I, xcVector<2>(100, 0))));
     xcMemoryArchive out;
     source.dispatchSerialize(out);
     xcMemoryArchive in(out.bytes());
     target.dispatchSerialize(in);
-    // The stored shift's inverse: (100, 0) - (100, 0) = (0, 0); the stale halving would give (50, 0).
+    // The stored shift's inverse: (100, 0) - (100, 0) = (0, 0); the stale halving would give (50,
+    // 0).
     EXPECT_EQ(target.point(edgelet(100, 0)), xcVector<2>(0, 0));
     EXPECT_EQ(target.points(), (Points{{0, 0}}));
 }
@@ -246,7 +261,8 @@ TEST(ContourTArchive, VersionZeroLoadedInPlaceKeepsTheTransform) {
 }
 
 TEST(ContourTArchive, EveryTruncationThrowsAnArchiveError) {
-    xcPtrHandle<EdgeletContour> h(new EdgeletContour({edgelet(1, 2, 3, 4), edgelet(5, 6)}, scaleTwoShift()));
+    xcPtrHandle<EdgeletContour> h(
+        new EdgeletContour({edgelet(1, 2, 3, 4), edgelet(5, 6)}, scaleTwoShift()));
     const Bytes bytes = store({h});
     for (std::size_t n = 0; n < bytes.size(); ++n) {
         const Bytes cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(n));
@@ -261,8 +277,11 @@ TEST(ContourTArchive, RandomContoursRoundTripExactly) {
     for (int trial = 0; trial < 40; ++trial) {
         Edgelets data;
         const int n = trial % 7;
-        for (int i = 0; i < n; ++i) data.push_back(edgelet(coord(gen), coord(gen), small(gen), small(gen) & 0xFF));
-        xcPtrHandle<EdgeletContour> h(new EdgeletContour(data, linearXform(xcXform<2>(xcMatrix<2>(1, 0.5, 0, 2), xcVector<2>(coord(gen), coord(gen))))));
+        for (int i = 0; i < n; ++i)
+            data.push_back(edgelet(coord(gen), coord(gen), small(gen), small(gen) & 0xFF));
+        xcPtrHandle<EdgeletContour> h(
+            new EdgeletContour(data, linearXform(xcXform<2>(xcMatrix<2>(1, 0.5, 0, 2),
+                                                            xcVector<2>(coord(gen), coord(gen))))));
         h->label(static_cast<unsigned long>(small(gen)));
         const xcPtrHandle<EdgeletContour> back = load(store({h}), 1)[0];
         EXPECT_EQ(back->points(), h->points());

@@ -14,7 +14,7 @@ namespace {
 
 // Exposes the protected consistency hooks.
 class EdgeletContourProbe : public EdgeletContour {
-public:
+  public:
     using EdgeletContour::EdgeletContour;
     using EdgeletContour::makeDataConsistentWithPoints;
     using EdgeletContour::makePointsConsistentWithData;
@@ -22,9 +22,13 @@ public:
 
 // The three edgelets at (14, 26), (10, 20) and (12, 30), with magnitudes and angles. Under
 // scaleTwoShift() their points are ((14-10)/2, (26-20)/2) = (2, 3), (0, 0) and (1, 5).
-Edgelets threeEdgelets() { return {edgelet(14, 26, 300, 10), edgelet(10, 20, 7, 64), edgelet(12, 30, 1, 255)}; }
+Edgelets threeEdgelets() {
+    return {edgelet(14, 26, 300, 10), edgelet(10, 20, 7, 64), edgelet(12, 30, 1, 255)};
+}
 
-const xc2XformLinear* asLinear(const XformHandle& h) { return dynamic_cast<const xc2XformLinear*>(h.rep()); }
+const xc2XformLinear* asLinear(const XformHandle& h) {
+    return dynamic_cast<const xc2XformLinear*>(h.rep());
+}
 
 }  // namespace
 
@@ -197,10 +201,12 @@ TEST(ContourT, RandomEdgeletsRoundTripThroughTheirPoints) {
     // Law: for an invertible transform, datum(point(e)) has e's position up to rounding.
     std::mt19937 gen(20240611);
     std::uniform_real_distribution<double> coord(-1000.0, 1000.0);
-    const XformHandle x = linearXform(xcXform<2>(xcMatrix<2>(0.8, -0.6, 0.6, 0.8), xcVector<2>(3, -7)));
+    const XformHandle x =
+        linearXform(xcXform<2>(xcMatrix<2>(0.8, -0.6, 0.6, 0.8), xcVector<2>(3, -7)));
     for (int trial = 0; trial < 50; ++trial) {
         Edgelets data;
-        for (int i = 0; i < 10; ++i) data.push_back(edgelet(coord(gen), coord(gen), i, i));
+        for (int i = 0; i < 10; ++i)
+            data.push_back(edgelet(coord(gen), coord(gen), i, i));
         const EdgeletContour c(data, x);
         ASSERT_EQ(c.points().size(), data.size());
         for (std::size_t i = 0; i < data.size(); ++i)

@@ -31,7 +31,9 @@ inline xcEdgelet edgelet(double x, double y, int magnitude = 0, int angleStep = 
 }
 
 /// A handle to a new affine transform.
-inline XformHandle linearXform(const xcXform<2>& x) { return XformHandle(new xc2XformLinear(x)); }
+inline XformHandle linearXform(const xcXform<2>& x) {
+    return XformHandle(new xc2XformLinear(x));
+}
 
 /// p -> 2 p + (10, 20): a transform whose inverse is q -> (q - (10, 20)) / 2.
 inline XformHandle scaleTwoShift() {
@@ -46,7 +48,7 @@ inline XformHandle singularXform() {
 /// A translation that counts, in a counter shared by its clones, how often an inverse was
 /// asked of it.
 class CountingXform : public xc2XformBase {
-public:
+  public:
     CountingXform(const xcVector<2>& shift, std::shared_ptr<int> inversions)
         : shift_(shift), inversions_(std::move(inversions)) {}
     xcVector<2> mapPoint(const xcVector<2>& p) const override { return p + shift_; }
@@ -58,7 +60,7 @@ public:
         return xcPtrHandle<xc2XformBase>(new CountingXform(shift_, inversions_));
     }
 
-private:
+  private:
     xcVector<2> shift_;
     std::shared_ptr<int> inversions_;
 };
