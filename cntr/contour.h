@@ -186,6 +186,20 @@ public:
     /// The distance from `point` to closestPoint(point, vertexOnly). Throws EmptyContour.
     double distToPoint(const xcVector<2>& point, bool vertexOnly) const;
 
+    // ---- convex hull and fitted ellipse ----
+
+    /// Sets `hull` to the region of the convex hull of the vertices, as the foundation's
+    /// xfConvexHull orders them (counter-clockwise, starting at the smallest x, then y; collinear
+    /// and repeated points dropped), built with IntersectionMode keepOutline. The closed flag
+    /// plays no part. The hull region is cached and shared by copies of this contour. Throws
+    /// EmptyContour; the foundation's errors (xcMathError::NotFinite for a NaN or infinite
+    /// coordinate) pass through and leave the cache invalid.
+    void convexHull(xcRegion& hull) const;
+    /// Sets `ellipse` and `rms` to xf_FitEllipse of the vertices: the ellipse fit, or the circle
+    /// fallback, or the default ellipse with rms -1.0 when neither fit works. The closed flag
+    /// plays no part. Cached. Throws EmptyContour.
+    void fitEllipse(xcEllipse& ellipse, double& rms) const;
+
 protected:
     /// Record, version 1: the version byte, the xcPersistent record, label (unsigned 32-bit),
     /// closed flag, the vertex vector record and cachedVectorSize (signed 32-bit). Versions 0

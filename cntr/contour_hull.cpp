@@ -1,19 +1,33 @@
-// The count operations of the contour's convex hull handle (see contour.h).
-//
-// They need the complete region class, which converts a region pointer to its counted base.
-// Until the region class is part of the library no region object can exist, so the only pointer
-// these can receive is null; a non-null one is reported as an internal inconsistency and left
-// alone. The region's source replaces these definitions with the real count operations.
+// The contour's convex hull (as a region) and fitted ellipse, both cached.
 #include <cntr/contour.h>
+#include <cntr/moments.h>
+#include <cntr/region.h>
+#include <foundation/hull.h>
 
-#include <foundation/exception.h>
-
-template <>
-void xn_handle_detail::acquire<xcRegion>(const xcRegion* p) {
-    if (p) xstd_assert_(__FILE__, __LINE__);
+void xcContour::convexHull(xcRegion& hull) const {
+    checkEmptyContour();
+    if (!convexHullValid_) {
+        std::vector<xcVector<2>> hullPoints;
+        xfConvexHull(points_, hullPoints);
+        convexHull_ = xcPtrHandle_const<xcRegion>(new xcRegion(hullPoints, xcContourDefs::keepOutline));
+        convexHullValid_ = true;
+    }
+    // Held during the assignment: when `hull` is this contour (a region asked for its own hull),
+    // the assignment replaces the handle that keeps the hull region alive.
+    const xcPtrHandle_const<xcRegion> cached = convexHull_;
+    hull = *cached;
 }
 
-template <>
-void xn_handle_detail::drop<xcRegion>(const xcRegion* p) {
-    if (p) xstd_assert_(__FILE__, __LINE__);
+void xcContour::fitEllipse(xcEllipse& ellipse, double& rms) const {
+    checkEmptyContour();
+    if (!fitEllipseValid_) {
+        xcEllipse fitted;
+        double residual = 0.0;
+        xf_FitEllipse(points_, fitted, residual);
+        fittedEllipse_ = fitted;
+        fitResidual_ = residual;
+        fitEllipseValid_ = true;
+    }
+    ellipse = fittedEllipse_;
+    rms = fitResidual_;
 }

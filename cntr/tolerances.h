@@ -14,6 +14,10 @@ constexpr double kExactTolerance = 1e-15;
 /// of the query counts as touching that end.
 constexpr double kCoincidentTolerance = 1e-6;
 
+/// A point closer than this to an outline vertex lies on the vertex: the region's crossing
+/// count reports it as inside without casting a ray.
+constexpr double kOnVertexTolerance = 1e-6;
+
 }  // namespace xn_contourDetail
 
 #endif

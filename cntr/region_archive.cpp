@@ -1,0 +1,74 @@
+// Persistence of regions: the current record (version 1) and the legacy one (version 0).
+#include <cntr/region.h>
+
+#include <foundation/archive.h>
+
+namespace {
+
+// The source name and place that a refused region record reports.
+constexpr const char* kRegionSource = "cntr/region";
+constexpr long kBadRegionVersionLine = 822;
+constexpr unsigned char kCurrentVersion = 1;
+
+// The base class of regions in version-0 archives: its own version byte (0) and the
+// xcPersistent record. Kept only to read those records.
+class xcContourBase2 : public virtual xcPersistent, public virtual xcRepBase {
+public:
+    void dispatchSerialize(xcArchive& ar) override {
+        dispatchPart(ar, this, 0, [&](unsigned char version) {
+            if (version != 0) throw xcArchive::UnknownVersion(kRegionSource, kBadRegionVersionLine);
+            xcPersistent::dispatchSerialize(ar);
+        });
+    }
+};
+
+// The one scratch object that every version-0 record's base part is read into. Being one
+// object, it is visited (and so read) once per archive.
+xcContourBase2& legacyBase() {
+    static xcContourBase2 base;
+    return base;
+}
+
+}  // namespace
+
+xcPersistent* xcRegion::make() { return new xcRegion(); }
+xc_Instantiator xcRegion::sExemplar(typeid(xcRegion), &xcRegion::make);
+
+void xcRegion::dispatchSerialize(xcArchive& ar) {
+    dispatchPart(ar, this, kCurrentVersion, [&](unsigned char version) { serialize_(ar, version); });
+}
+
+void xcRegion::serialize_(xcArchive& ar, unsigned char version) {
+    if (version == 1) {
+        xcContour::dispatchSerialize(ar);
+        xfSerializeVector(ar, holes_);
+    } else if (version == 0 && ar.isLoading()) {
+        loadVersion0(ar);
+    } else {
+        throw xcArchive::UnknownVersion(kRegionSource, kBadRegionVersionLine);
+    }
+    if (ar.isLoading()) {
+        cleanCacheInfo();
+        // A valid record holds regions only: a hole stored as another class loads as a null
+        // handle, which no setter accepts and every query with holes would dereference.
+        for (const xcPtrHandle_const<xcRegion>& hole : holes_)
+            if (!hole) throw xcArchive::BadData(L"region hole is not a region");
+    }
+}
+
+// Version 0, in order: the legacy base record, the outline's vertex vector, a flag byte (read
+// and dropped) and the memo limit (signed 32-bit), as the legacy contour record orders them.
+// Afterwards the contour's closed flag and label are 0; no holes are stored.
+void xcRegion::loadVersion0(xcArchive& ar) {
+    legacyBase().dispatchSerialize(ar);
+    std::vector<xcVector<2>> outline;
+    xfSerializeVector(ar, outline);
+    unsigned char unused = 0;
+    long limit = 0;
+    ar || unused || limit;
+    points(outline);
+    cachedVectorSize(limit);
+    xcContour::isClosed(false);
+    label(0);
+    holes_.clear();
+}
