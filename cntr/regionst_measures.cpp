@@ -1,0 +1,139 @@
+// Region set measures: area, centre of mass, inertia, containment, distance, enclosing
+// rectangle and self-intersection, each computed from the regions in list order.
+#include <cntr/regionst.h>
+
+#include <limits>
+
+#include <cntr/contour_detail.h>
+#include <cntr/moments.h>
+#include <cntr/regionst_detail.h>
+#include <cntr/tolerances.h>
+#include <foundation/numeric.h>
+
+using namespace xn_regionSetDetail;
+
+xcRegionSet::FlagSlot<double>& xcRegionSet::areaSlot(bool considerHoles) const {
+    return considerHoles ? areaWithHoles_ : areaOfOutlines_;
+}
+
+xcRegionSet::FlagSlot<xcVector<2>>& xcRegionSet::centerSlot(bool considerHoles) {
+    return considerHoles ? centerWithHoles_ : centerOfOutlines_;
+}
+
+xcRegionSet::FlagSlot<xcMatrix<2>>& xcRegionSet::inertiaSlot(bool considerHoles) {
+    return considerHoles ? inertiaWithHoles_ : inertiaOfOutlines_;
+}
+
+double xcRegionSet::area(bool considerHoles) const {
+    FlagSlot<double>& slot = areaSlot(considerHoles);
+    if (slot.valid) return slot.value;
+    double sum = 0.0;
+    for (const xcPtrHandle_const<xcRegion>& region : regions_) sum += region->area(considerHoles);
+    slot.value = sum;
+    slot.valid = true;
+    // A cache fill counts as a change of the set. The change count is not a mutable member of
+    // the persistence base, so this const query reaches it through a cast.
+    const_cast<xcRegionSet*>(this)->mutating();
+    return sum;
+}
+
+xcVector<2> xcRegionSet::centerOfMass(bool considerHoles) {
+    checkEmptyRegionSet();
+    FlagSlot<xcVector<2>>& slot = centerSlot(considerHoles);
+    if (slot.valid) return slot.value;
+    xcVector<2> weighted;
+    double total = 0.0;
+    for (const xcPtrHandle_const<xcRegion>& handle : regions_) {
+        xcRegion& region = queried(handle);
+        const xcVector<2> center = region.centerOfMass(considerHoles);
+        weighted += region.area(considerHoles) * center;
+        total += region.area(considerHoles);
+    }
+    const bool noArea = xfRealEq(total, 0.0, xn_contourDetail::kExactTolerance);
+    slot.value = noArea ? xcVector<2>() : weighted / total;
+    slot.valid = true;
+    mutating();
+    return slot.value;
+}
+
+xcMatrix<2> xcRegionSet::inertiaMatrix(bool considerHoles) {
+    checkEmptyRegionSet();
+    FlagSlot<xcMatrix<2>>& slot = inertiaSlot(considerHoles);
+    if (slot.valid) return slot.value;
+    xc_InertiaData total(0.0, xcVector<2>(), xcMatrix<2>());
+    for (const xcPtrHandle_const<xcRegion>& handle : regions_) {
+        xcRegion& region = queried(handle);
+        const xcMatrix<2> inertia = region.inertiaMatrix(considerHoles);
+        const xcVector<2> center = region.centerOfMass(considerHoles);
+        const double area = region.area(considerHoles);
+        total = total + xc_InertiaData(area, center, inertia);
+    }
+    slot.value = total.inertiaMatrix();
+    slot.valid = true;
+    mutating();
+    return slot.value;
+}
+
+bool xcRegionSet::inside(const xcVector<2>& point, bool considerHoles) const {
+    for (const xcPtrHandle_const<xcRegion>& region : regions_)
+        if (region->inside(point, considerHoles)) return true;
+    return false;
+}
+
+double xcRegionSet::distToPoint(const xcVector<2>& point, bool vertexOnly, bool considerHoles,
+                                bool zeroInside) const {
+    checkEmptyRegionSet();
+    double nearest = std::numeric_limits<double>::infinity();
+    for (const xcPtrHandle_const<xcRegion>& region : regions_) {
+        const double d = region->distToPoint(point, vertexOnly, considerHoles, zeroInside);
+        if (d < nearest) nearest = d;
+    }
+    return nearest;
+}
+
+xcRect xcRegionSet::encloseRect(const xcXform<2>& xform) {
+    checkEmptyRegionSet();
+    if (!rectCache_) rectCache_.reset(new xn_contourDetail::RectMemo);
+    const auto found = rectCache_->find(xform);
+    if (found != rectCache_->end()) return found->second;
+
+    xcRect box = queried(regions_[0]).xcContour::encloseRect(xform);
+    for (std::size_t i = 1; i < regions_.size(); ++i)
+        box = box.enclose(queried(regions_[i]).xcContour::encloseRect(xform));
+    xn_contourDetail::memoStore(rectCache_, xform, box, cachedVectorSize_);
+    mutating();
+    return box;
+}
+
+bool xcRegionSet::isSelfIntersecting() const {
+    if (regions_.empty()) return false;
+    if (selfIntersectingValid_) return selfIntersecting_;
+    // The answer is cached only once it is complete, so that an error of a region leaves the
+    // cache invalid.
+    // The pairs are tested even when an outline already crosses itself (the result is the
+    // same; the pair queries fill the regions' segment caches all the same).
+    const bool selfCrossing = anyOutlineCrossesItself();
+    const bool crossing = anyOutlinesCross() || selfCrossing;
+    selfIntersecting_ = crossing;
+    selfIntersectingValid_ = true;
+    return crossing;
+}
+
+bool xcRegionSet::anyOutlineCrossesItself() const {
+    // Every outline is asked, also after a hit, so that each region caches its own answer.
+    bool crossing = false;
+    for (const xcPtrHandle_const<xcRegion>& region : regions_)
+        if (region->xcContour::isSelfIntersecting()) crossing = true;
+    return crossing;
+}
+
+bool xcRegionSet::anyOutlinesCross() const {
+    for (std::size_t i = 0; i < regions_.size(); ++i) {
+        xcContour& outline = queried(regions_[i]);
+        for (std::size_t j = i + 1; j < regions_.size(); ++j) {
+            const xcContour& other = *regions_[j];
+            if (!outline.xcContour::intersections(other).empty()) return true;
+        }
+    }
+    return false;
+}

@@ -1,0 +1,70 @@
+// Region set regularize and outer hull: one ordered pass merges crossing regions, then every
+// region is regularised or hulled on its own.
+#include <cntr/regionst.h>
+
+#include <cntr/regionst_detail.h>
+
+using namespace xn_regionSetDetail;
+
+namespace {
+
+// A new, empty region (an empty closed outline, no holes) to receive a result.
+xcPtrHandle<xcRegion> newEmptyRegion() {
+    return xcPtrHandle<xcRegion>(new xcRegion(xcContour(), xcContourDefs::keepOutline));
+}
+
+}  // namespace
+
+void xcRegionSet::regularize(xcRegionSet& out) const {
+    cachedMerge(out, false, regularizedValid_, regularized_);
+}
+
+void xcRegionSet::outerHull(xcRegionSet& out) const {
+    cachedMerge(out, true, outerHullValid_, outerHull_);
+}
+
+void xcRegionSet::cachedMerge(xcRegionSet& out, bool outerHullOnly, bool& valid,
+                              xcPtrHandle<xcRegionSet>& cache) const {
+    if (!isSelfIntersecting()) {
+        out = *this;
+        return;
+    }
+    if (!valid) {
+        cache = xcPtrHandle<xcRegionSet>(new xcRegionSet());
+        outerHullRegularize(*cache, outerHullOnly);
+        valid = true;
+    }
+    // A handle of our own keeps the result alive when `out` is this set and the assignment
+    // replaces the cache handle.
+    const xcPtrHandle<xcRegionSet> result(cache);
+    out = *result;
+}
+
+void xcRegionSet::outerHullRegularize(xcRegionSet& out, bool outerHullOnly) const {
+    checkEmptyRegionSet();
+    RegionHandles work(regions_);
+
+    // The single merge pass. Both bounds are re-read after every merge; j advances in every
+    // case, so the region moved into slot j is not compared with the merged region i.
+    for (std::size_t i = 0; i + 1 < work.size(); ++i) {
+        for (std::size_t j = i + 1; j < work.size(); ++j) {
+            const xcContour& outlineJ = *work[j];
+            if (queried(work[i]).intersections(outlineJ, false).empty()) continue;
+            const xcPtrHandle<xcRegion> merged = newEmptyRegion();
+            work[i]->splice(*work[j], *merged);
+            work[i] = merged;
+            work[j] = work.back();
+            work.pop_back();
+        }
+    }
+
+    for (xcPtrHandle_const<xcRegion>& slot : work) {
+        const xcPtrHandle<xcRegion> result = newEmptyRegion();
+        if (outerHullOnly)
+            slot->outerHull(*result);
+        else
+            slot->regularize(*result);
+        slot = result;
+    }
+    out = xcRegionSet(work, xcContourDefs::keepOutline);
+}
