@@ -43,8 +43,8 @@ void xcContour::dispatchSerialize(xcArchive& ar) {
     if (haveVisited(ar, self, sizeof(xcContour))) return;
     unsigned char version = kCurrentVersion;
     ar || version;
-    // This level's own fields, not a derived class's: a derived serialize_ passes its contour
-    // part through this function, and a virtual call would come back to it without end.
+    // This level's record: a derived class's serialize_ override writes its own level and
+    // passes its contour part through here, so a virtual call would never end.
     xcContour::serialize_(ar, version);
     setVisited(ar, self, sizeof(xcContour));
 }

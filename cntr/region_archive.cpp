@@ -35,7 +35,9 @@ xcPersistent* xcRegion::make() { return new xcRegion(); }
 xc_Instantiator xcRegion::sExemplar(typeid(xcRegion), &xcRegion::make);
 
 void xcRegion::dispatchSerialize(xcArchive& ar) {
-    dispatchPart(ar, this, kCurrentVersion, [&](unsigned char version) { serialize_(ar, version); });
+    // This level's record (not a derived class's override, which comes through here itself).
+    dispatchPart(ar, this, kCurrentVersion,
+                 [&](unsigned char version) { xcRegion::serialize_(ar, version); });
 }
 
 void xcRegion::serialize_(xcArchive& ar, unsigned char version) {

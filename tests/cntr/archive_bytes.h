@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include <foundation/vector.h>
+
 namespace testbytes {
 
 using Bytes = std::vector<unsigned char>;
@@ -38,6 +40,28 @@ inline void newObject(Bytes& b, const std::string& className) {
     u8(b, 1);
     u32(b, static_cast<std::uint32_t>(className.size()));
     b.insert(b.end(), className.begin(), className.end());
+}
+
+/// The vector record of points: format byte 0, the count, then x and y of each point.
+inline void pointVector(Bytes& b, const std::vector<xcVector<2>>& p) {
+    u8(b, 0);
+    u32(b, static_cast<std::uint32_t>(p.size()));
+    for (const xcVector<2>& v : p) {
+        f64(b, v.x());
+        f64(b, v.y());
+    }
+}
+
+/// The body of a version-1 contour record: version 1, the xcPersistent version byte 0, the
+/// label, the closed flag, the vector record of the points and cachedVectorSize.
+inline void contourRecordV1(Bytes& b, std::uint32_t label, bool closed,
+                            const std::vector<xcVector<2>>& p, std::int32_t cvs) {
+    u8(b, 1);
+    u8(b, 0);
+    u32(b, label);
+    u8(b, closed ? 1 : 0);
+    pointVector(b, p);
+    u32(b, static_cast<std::uint32_t>(cvs));
 }
 
 }  // namespace testbytes

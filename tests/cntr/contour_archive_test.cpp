@@ -39,22 +39,6 @@ xcPtrHandle<xcContour> loadHandle(const Bytes& bytes) {
     return h;
 }
 
-// The body of a version-1 contour record: version 1, the xcPersistent version byte 0, the
-// label, the closed flag, the vector record of the points and cachedVectorSize.
-void contourRecordV1(Bytes& b, std::uint32_t label, bool closed, const Points& p, std::int32_t cvs) {
-    testbytes::u8(b, 1);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, label);
-    testbytes::u8(b, closed ? 1 : 0);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, static_cast<std::uint32_t>(p.size()));
-    for (const xcVector<2>& v : p) {
-        testbytes::f64(b, v.x());
-        testbytes::f64(b, v.y());
-    }
-    testbytes::u32(b, static_cast<std::uint32_t>(cvs));
-}
-
 // A version-0 record: version 0, the legacy base (its version byte and the xcPersistent byte),
 // the points, one extra byte, cachedVectorSize and the closed flag.
 Bytes contourArchiveV0(const Points& p, unsigned extraByte, std::int32_t cvs, bool closed,
@@ -95,7 +79,7 @@ TEST(ContourArchive, RecordLayoutOfVersionOne) {
     h->cachedVectorSize(9);
     Bytes expected = testbytes::header();
     testbytes::newObject(expected, "xcContour");
-    contourRecordV1(expected, 77, false, p, 9);
+    testbytes::contourRecordV1(expected, 77, false, p, 9);
     EXPECT_EQ(storeHandles({h}), expected);
 }
 
@@ -204,7 +188,7 @@ TEST(ContourArchive, VersionZeroClosedFlagIsRead) {
 TEST(ContourArchive, VersionTwoFailsNamingSourceAndLine900) {
     Bytes b = testbytes::header();
     testbytes::newObject(b, "xcContour");
-    contourRecordV1(b, 1, true, {{0, 0}, {1, 1}}, 3);
+    testbytes::contourRecordV1(b, 1, true, {{0, 0}, {1, 1}}, 3);
     b[8 + 1 + 4 + 9] = 2;  // the contour's version byte, after header and pointer record
     expectUnknownVersion([&] { loadHandle(b); }, "cntr/contour", 900);
 }
@@ -217,7 +201,7 @@ TEST(ContourArchive, LegacyBaseVersionOtherThanZeroFailsWithLine890) {
 TEST(ContourArchive, VectorFormatByteOtherThanZeroFails) {
     Bytes b = testbytes::header();
     testbytes::newObject(b, "xcContour");
-    contourRecordV1(b, 1, true, {{0, 0}, {1, 1}}, 3);
+    testbytes::contourRecordV1(b, 1, true, {{0, 0}, {1, 1}}, 3);
     b[8 + 1 + 4 + 9 + 1 + 1 + 4 + 1] = 1;  // version, persistent, label, closed: then the format
     expectUnknownVersion([&] { loadHandle(b); }, "", 0);
 }
@@ -225,7 +209,7 @@ TEST(ContourArchive, VectorFormatByteOtherThanZeroFails) {
 TEST(ContourArchive, PersistentVersionOtherThanZeroFails) {
     Bytes b = testbytes::header();
     testbytes::newObject(b, "xcContour");
-    contourRecordV1(b, 1, true, {{0, 0}, {1, 1}}, 3);
+    testbytes::contourRecordV1(b, 1, true, {{0, 0}, {1, 1}}, 3);
     b[8 + 1 + 4 + 9 + 1] = 1;
     expectUnknownVersion([&] { loadHandle(b); }, "xcPersistent", 0);
 }
@@ -233,7 +217,7 @@ TEST(ContourArchive, PersistentVersionOtherThanZeroFails) {
 TEST(ContourArchive, PointCountBeyondDataFailsBeforeAllocating) {
     Bytes b = testbytes::header();
     testbytes::newObject(b, "xcContour");
-    contourRecordV1(b, 1, true, {{0, 0}, {1, 1}}, 3);
+    testbytes::contourRecordV1(b, 1, true, {{0, 0}, {1, 1}}, 3);
     const std::size_t countAt = 8 + 1 + 4 + 9 + 1 + 1 + 4 + 1 + 1;
     b[countAt + 3] = 0x7F;  // about 2^31 points announced
     EXPECT_THROW(loadHandle(b), xcArchive::CountTooLarge);
