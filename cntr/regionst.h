@@ -42,9 +42,9 @@ class xcArchive;
 /// the region and contour operations propagate unchanged and leave the slot being computed
 /// invalid.
 ///
-/// A set never holds a null region handle: every way of filling the list (the constructors,
-/// regions(), add(), setRegions() and loading) refuses one with xcContourDefs::BadParams
-/// ("region set cannot hold a null region") before anything is changed.
+/// A set never holds a null region handle: the constructors, regions(), add() and setRegions()
+/// refuse one with xcContourDefs::BadParams ("region set cannot hold a null region"), loading
+/// refuses a member of another class with xcArchive::BadData, before anything is changed.
 ///
 /// Not thread-safe: even const queries write the caches. Separate sets may be used from
 /// separate threads, provided they do not share regions.
@@ -174,8 +174,8 @@ protected:
     void dispatchSerialize(xcArchive& ar) override;
     /// Transfers this level's fields for `version` and, when loading, drops the caches. Throws
     /// xcArchive::UnknownVersion("cntr/regionst", 480) for a version other than 0 and 1, and
-    /// BadParams when a loaded region handle is null (a referent of another class); the list
-    /// is then left as it was.
+    /// xcArchive::BadData ("region set member is not a region") when a member was stored as
+    /// another class; the set is then left as it was.
     virtual void serialize_(xcArchive& ar, unsigned char version);
     /// Called after the region list was replaced; drops the caches.
     virtual void makeDataConsistentWithPoints();

@@ -3,8 +3,6 @@
 
 #include <foundation/archive.h>
 
-#include <cntr/regionst_detail.h>
-
 namespace {
 
 // The source name and place that a refused region-set record reports.
@@ -18,8 +16,11 @@ xcPersistent* xcRegionSet::make() { return new xcRegionSet(); }
 xc_Instantiator xcRegionSet::sExemplar(typeid(xcRegionSet), &xcRegionSet::make);
 
 void xcRegionSet::dispatchSerialize(xcArchive& ar) {
+    // This level's record, not a derived class's override: a derived set's serialize_ passes
+    // its base part through here, so a virtual call would never end.
     const xcRegionSet* self = this;
-    dispatchPart(ar, self, kCurrentVersion, [&](unsigned char version) { serialize_(ar, version); });
+    dispatchPart(ar, self, kCurrentVersion,
+                 [&](unsigned char version) { xcRegionSet::serialize_(ar, version); });
 }
 
 void xcRegionSet::serialize_(xcArchive& ar, unsigned char version) {
@@ -35,7 +36,10 @@ void xcRegionSet::serialize_(xcArchive& ar, unsigned char version) {
     long limit = cachedVectorSize_;
     ar || loaded;
     if (version == 1) ar || limit;
-    xn_regionSetDetail::checkNoNullRegion(loaded);
+    // A valid record holds regions only: a member stored as another class loads as a null
+    // handle, which the set never holds.
+    for (const xcPtrHandle_const<xcRegion>& region : loaded)
+        if (region.isNull()) throw xcArchive::BadData(L"region set member is not a region");
     regions_.swap(loaded);
     cachedVectorSize_ = limit;
     cleanCacheInfo();

@@ -2,7 +2,10 @@
 #ifndef CNTR_REGIONST_DETAIL_H
 #define CNTR_REGIONST_DETAIL_H
 
+#include <vector>
+
 #include <cntr/region.h>
+#include <foundation/geometry.h>
 #include <foundation/handle.h>
 
 namespace xn_regionSetDetail {
@@ -18,6 +21,21 @@ inline xcRegion& queried(const xcPtrHandle_const<xcRegion>& region) {
 /// Throws xcContourDefs::BadParams("region set cannot hold a null region") when some handle
 /// of `regions` is null.
 void checkNoNullRegion(const std::vector<xcPtrHandle_const<xcRegion>>& regions);
+
+/// The bounding box of a contour's vertices, when it is known to hold every vertex: not for a
+/// contour without vertices nor for one with a NaN coordinate.
+struct VertexBox {
+    bool known = false;
+    xcRect rect;
+};
+VertexBox vertexBox(const xcContour& contour);
+
+/// False only when outline.xcContour::intersections(other) is certainly empty because the
+/// outline's enclosing rectangle and `otherBox`, the vertex box of `other`, do not overlap (the
+/// contour query rejects each edge of `other` by that same rectangle test). Asks the outline's
+/// encloseRect(identity) exactly when the contour query would, so the outline's memo, the
+/// random generator and the EmptyContour failure are as if the query had run.
+bool outlinesMayMeet(xcContour& outline, const VertexBox& otherBox);
 
 }  // namespace xn_regionSetDetail
 

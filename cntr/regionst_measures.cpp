@@ -2,6 +2,7 @@
 // rectangle and self-intersection, each computed from the regions in list order.
 #include <cntr/regionst.h>
 
+#include <cmath>
 #include <limits>
 
 #include <cntr/contour_detail.h>
@@ -128,12 +129,38 @@ bool xcRegionSet::anyOutlineCrossesItself() const {
 }
 
 bool xcRegionSet::anyOutlinesCross() const {
+    // The vertex boxes let most pairs be decided by one rectangle test instead of one contour
+    // query per edge; the answers are those of the contour queries.
+    std::vector<VertexBox> boxes;
+    boxes.reserve(regions_.size());
+    for (const xcPtrHandle_const<xcRegion>& region : regions_) boxes.push_back(vertexBox(*region));
     for (std::size_t i = 0; i < regions_.size(); ++i) {
         xcContour& outline = queried(regions_[i]);
         for (std::size_t j = i + 1; j < regions_.size(); ++j) {
+            if (!outlinesMayMeet(outline, boxes[j])) continue;
             const xcContour& other = *regions_[j];
             if (!outline.xcContour::intersections(other).empty()) return true;
         }
     }
     return false;
+}
+
+xn_regionSetDetail::VertexBox xn_regionSetDetail::vertexBox(const xcContour& contour) {
+    VertexBox box;
+    const std::vector<xcVector<2>>& p = contour.points();
+    for (const xcVector<2>& v : p)
+        if (std::isnan(v.x()) || std::isnan(v.y())) return box;
+    if (p.empty()) return box;
+    box.rect = xcRect::at(p[0]);
+    for (std::size_t i = 1; i < p.size(); ++i) box.rect = box.rect.enclose(xcRect::at(p[i]));
+    box.known = true;
+    return box;
+}
+
+bool xn_regionSetDetail::outlinesMayMeet(xcContour& outline, const VertexBox& otherBox) {
+    if (!otherBox.known) return true;
+    const xcRect rect = outline.encloseRect(xcXform<2>::I);
+    const bool finite = std::isfinite(rect.ul().x()) && std::isfinite(rect.ul().y()) &&
+                        std::isfinite(rect.lr().x()) && std::isfinite(rect.lr().y());
+    return !finite || xn_contourDetail::rectsOverlap(rect, otherBox.rect);
 }

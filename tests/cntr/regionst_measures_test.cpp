@@ -438,3 +438,45 @@ TEST(RegionSetMeasures, SelfIntersectionErrorPropagatesAndCachesNothing) {
     expectEmptyContour([&] { s.isSelfIntersecting(); });
     EXPECT_FALSE(s.cacheState().selfIntersectingValid);
 }
+
+namespace {
+
+// The literal definition, pair by pair with the contour queries and nothing else.
+bool crossingByDefinition(const RegionHandles& regions) {
+    bool crossing = false;
+    for (const ConstRegionHandle& r : regions)
+        if (r->xcContour::isSelfIntersecting()) crossing = true;
+    for (std::size_t i = 0; i < regions.size(); ++i) {
+        xcContour outline(static_cast<const xcContour&>(*regions[i]));
+        for (std::size_t j = i + 1; j < regions.size(); ++j)
+            if (!outline.intersections(static_cast<const xcContour&>(*regions[j])).empty()) return true;
+    }
+    return crossing;
+}
+
+}  // namespace
+
+TEST(RegionSetMeasures, SelfIntersectionAgreesWithThePairwiseDefinitionOnRandomSets) {
+    // Small triangles on a coarse lattice of coordinates, so that many boxes touch exactly,
+    // overlap by an edge or a corner, or lie just apart; now and then a NaN vertex.
+    xcRandomUniform random(20240917);
+    const auto coordinate = [&] { return 0.5 * xfIFloor(random.next(0.0, 16.0)); };
+    int crossingSets = 0;
+    for (int trial = 0; trial < 300; ++trial) {
+        RegionHandles regions;
+        const int count = 2 + static_cast<int>(xfIFloor(random.next(0.0, 5.0)));
+        for (int k = 0; k < count; ++k) {
+            const double x = coordinate(), y = coordinate();
+            Points p{{x, y}, {x + 1 + coordinate() / 4, y}, {x, y + 1 + coordinate() / 4}};
+            if (random.next(0.0, 1.0) < 0.05) p[1] = xcVector<2>(kNaN, y);
+            regions.emplace_back(region(p));
+        }
+        const bool expected = crossingByDefinition(regions);
+        crossingSets += expected ? 1 : 0;
+        const xcRegionSet s(regions, Defs::keepOutline);
+        EXPECT_EQ(s.isSelfIntersecting(), expected) << "trial " << trial;
+    }
+    // Both answers occur often enough for the comparison to mean something.
+    EXPECT_GT(crossingSets, 30);
+    EXPECT_LT(crossingSets, 270);
+}
