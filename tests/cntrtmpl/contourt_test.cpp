@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cntrtmpl/contourt.h>
+#include <cntrtmpl/regiont.h>
 #include <foundation/persistent.h>
 
 #include "edgelet_testing.h"
@@ -282,5 +283,12 @@ TEST(ContourT, MapTThrowsBadWindow) {
     const EdgeletContour c(threeEdgelets());
     EdgeletContour out;
     expectBadWindow([&] { c.mapT(xcXform<2>::I, out); });
+    EXPECT_TRUE(out.points().empty());
+}
+
+TEST(ContourT, ConvexHullTThrowsBadWindow) {
+    const EdgeletContour c({edgelet(0, 0), edgelet(4, 0), edgelet(0, 3)});
+    xcRegionT<xcEdgelet> out;
+    expectBadWindow([&] { c.convexHullT(out); });
     EXPECT_TRUE(out.points().empty());
 }
