@@ -7,7 +7,7 @@
 #include <cntrtmpl/contourt.h>
 #include <foundation/archive.h>
 
-#include "cntr/archive_bytes.h"
+#include "edgelet_archive_bytes.h"
 #include "edgelet_testing.h"
 
 using EdgeletContour = xcContourT<xcEdgelet>;
@@ -37,27 +37,6 @@ std::vector<xcPtrHandle<EdgeletContour>> load(const Bytes& bytes, std::size_t co
     return handles;
 }
 
-void u16(Bytes& b, unsigned v) {
-    testbytes::u8(b, v & 0xFF);
-    testbytes::u8(b, v >> 8);
-}
-
-// A version-1 contour part: version 1, the xcPersistent byte 0, label, closed flag, the points
-// vector record and cachedVectorSize.
-void contourPart(Bytes& b, std::uint32_t label, bool closed, const Points& p, std::uint32_t cvs) {
-    testbytes::u8(b, 1);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, label);
-    testbytes::u8(b, closed ? 1 : 0);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, static_cast<std::uint32_t>(p.size()));
-    for (const xcVector<2>& v : p) {
-        testbytes::f64(b, v.x());
-        testbytes::f64(b, v.y());
-    }
-    testbytes::u32(b, cvs);
-}
-
 // The data vector record: format 0, count, then each edgelet as x, y, 16-bit magnitude and the
 // angle step.
 void dataPart(Bytes& b, const Edgelets& data) {
@@ -66,7 +45,7 @@ void dataPart(Bytes& b, const Edgelets& data) {
     for (const xcEdgelet& e : data) {
         testbytes::f64(b, e.position().x());
         testbytes::f64(b, e.position().y());
-        u16(b, e.magnitude());
+        testbytes::u16(b, e.magnitude());
         testbytes::u8(b, e.angle().raw());
     }
 }
@@ -88,7 +67,7 @@ Bytes contourTArchive(unsigned version, const Points& p, const Edgelets& data) {
     Bytes b = testbytes::header();
     testbytes::newObject(b, "xcContourT<xcEdgelet>");
     testbytes::u8(b, version);
-    contourPart(b, 4, true, p, 3);
+    testbytes::contourPart(b, 4, true, p, 3);
     dataPart(b, data);
     return b;
 }
@@ -111,7 +90,7 @@ TEST(ContourTArchive, RecordLayoutOfVersionOne) {
     testbytes::newObject(expected, "xcContourT<xcEdgelet>");
     testbytes::u8(expected, 1);
     // Points ((14-10)/2, (26-20)/2) = (2, 3) and (0, 0).
-    contourPart(expected, 77, true, {{2, 3}, {0, 0}}, 3);
+    testbytes::contourPart(expected, 77, true, {{2, 3}, {0, 0}}, 3);
     dataPart(expected, {edgelet(14, 26, 300, 10), edgelet(10, 20, 7, 64)});
     linearXformObject(expected, 2, 0, 0, 2, 10, 20);
     EXPECT_EQ(store({h}), expected);
@@ -170,7 +149,7 @@ TEST(ContourTArchive, SecondContourRefersBackToTheSharedTransform) {
     for (int i = 0; i < 2; ++i) {
         testbytes::newObject(expected, "xcContourT<xcEdgelet>");
         testbytes::u8(expected, 1);
-        contourPart(expected, 0, true, {{0, 0}}, 3);  // ((10-10)/2, (20-20)/2)
+        testbytes::contourPart(expected, 0, true, {{0, 0}}, 3);  // ((10-10)/2, (20-20)/2)
         dataPart(expected, {edgelet(10, 20)});
     }
     // Objects are numbered as their records begin: a is 0, the transform 1, b 2. So a's record
@@ -250,7 +229,7 @@ TEST(ContourTArchive, VersionZeroLoadedInPlaceKeepsTheTransform) {
     const xc2XformBase* before = target.dataFromPointsXform().rep();
     Bytes bytes = testbytes::header();
     testbytes::u8(bytes, 0);
-    contourPart(bytes, 1, true, {{5, 5}}, 3);
+    testbytes::contourPart(bytes, 1, true, {{5, 5}}, 3);
     dataPart(bytes, {edgelet(20, 30)});
     xcMemoryArchive in(bytes);
     target.dispatchSerialize(in);
@@ -263,11 +242,7 @@ TEST(ContourTArchive, VersionZeroLoadedInPlaceKeepsTheTransform) {
 TEST(ContourTArchive, EveryTruncationThrowsAnArchiveError) {
     xcPtrHandle<EdgeletContour> h(
         new EdgeletContour({edgelet(1, 2, 3, 4), edgelet(5, 6)}, scaleTwoShift()));
-    const Bytes bytes = store({h});
-    for (std::size_t n = 0; n < bytes.size(); ++n) {
-        const Bytes cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(n));
-        EXPECT_THROW(load(cut, 1), xcException) << "cut at " << n;
-    }
+    testbytes::expectEveryTruncationThrows(store({h}), [](const Bytes& cut) { load(cut, 1); });
 }
 
 TEST(ContourTArchive, RandomContoursRoundTripExactly) {

@@ -46,10 +46,8 @@ TEST(ContourT, DefaultIsEmptyClosedLabelZeroWithoutTransform) {
 }
 
 TEST(ContourT, FactoryIsRegisteredUnderStableNameAndMakesDefault) {
-    const xc_Instantiator::MakeFunction make = xc_Instantiator::lookup("xcContourT<xcEdgelet>");
-    ASSERT_NE(make, nullptr);
-    std::unique_ptr<xcPersistent> made(make());
-    const auto* c = dynamic_cast<const EdgeletContour*>(made.get());
+    const std::unique_ptr<EdgeletContour> c =
+        madeByFactory<EdgeletContour>("xcContourT<xcEdgelet>");
     ASSERT_NE(c, nullptr);
     EXPECT_TRUE(c->points().empty());
     EXPECT_TRUE(c->isClosed());

@@ -1,6 +1,6 @@
 // Shared helpers of the edgelet template tests: readable printing of edgelets, common
-// transforms, a transform that counts its inversions, and expectations on the foundation's
-// exceptions.
+// transforms, a transform that counts its inversions, the archive's factories and an
+// expectation on the foundation's BadWindow.
 #ifndef CNTR_TESTS_EDGELET_TESTING_H
 #define CNTR_TESTS_EDGELET_TESTING_H
 
@@ -12,9 +12,10 @@
 
 #include <foundation/exception.h>
 #include <foundation/geometry.h>
+#include <foundation/persistent.h>
 #include <foundation/xform.h>
 
-#include "cntr/contour_testing.h"
+#include "cntr/region_testing.h"
 
 using Edgelets = std::vector<xcEdgelet>;
 using XformHandle = xcPtrHandle_const<xc2XformBase>;
@@ -65,17 +66,25 @@ class CountingXform : public xc2XformBase {
     std::shared_ptr<int> inversions_;
 };
 
-/// Expects `call` to throw exactly the foundation's BadWindow, with its number and an empty
-/// message.
+/// Expects `call` to throw the foundation's BadWindow with its number and an empty message.
 template <class Call>
 void expectBadWindow(Call call) {
-    try {
-        call();
-        ADD_FAILURE() << "no BadWindow thrown";
-    } catch (const xcPel::BadWindow& e) {
-        EXPECT_EQ(e.errorNumber(), xnErrorNumber::PelBadWindow);
-        EXPECT_EQ(e.message(), L"");
-    }
+    expectThrowWith<xcPel::BadWindow>(call, xnErrorNumber::PelBadWindow, L"");
+}
+
+/// A new object of the class registered with the archive under `name`, made by its factory, as
+/// the archive's loader would create it; null when the name is unknown or the object is not a
+/// Shape.
+template <class Shape>
+std::unique_ptr<Shape> madeByFactory(const char* name) {
+    const xc_Instantiator::MakeFunction make = xc_Instantiator::lookup(name);
+    if (!make)
+        return nullptr;
+    std::unique_ptr<xcPersistent> made(make());
+    Shape* shape = dynamic_cast<Shape*>(made.get());
+    if (shape)
+        made.release();
+    return std::unique_ptr<Shape>(shape);
 }
 
 #endif

@@ -3,8 +3,8 @@
 #include <cntrtmpl/regionsett.h>
 #include <foundation/archive.h>
 
-#include "cntr/archive_bytes.h"
 #include "cntr/region_testing.h"
+#include "edgelet_archive_bytes.h"
 #include "edgelet_testing.h"
 
 using EdgeletRegion = xcRegionT<xcEdgelet>;
@@ -31,28 +31,6 @@ std::vector<SetHandle> load(const Bytes& bytes, std::size_t count) {
     return handles;
 }
 
-// A new edgelet region of `p` in a pointer record: the class name, its version 0, then the region
-// part: version 1, the contour record (version 1, xcPersistent 0, label, closed, points,
-// cachedVectorSize 3) and an empty holes vector record.
-void edgeletRegionObject(Bytes& b, std::uint32_t label, const Points& p) {
-    testbytes::newObject(b, "xcRegionT<xcEdgelet>");
-    testbytes::u8(b, 0);
-    testbytes::u8(b, 1);
-    testbytes::u8(b, 1);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, label);
-    testbytes::u8(b, 1);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, static_cast<std::uint32_t>(p.size()));
-    for (const xcVector<2>& v : p) {
-        testbytes::f64(b, v.x());
-        testbytes::f64(b, v.y());
-    }
-    testbytes::u32(b, 3);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, 0);
-}
-
 // The start of an edgelet set record of the given version holding the edgelet regions (label 5,
 // the unit square) in its base list: class name, version, the base set's record (version 1,
 // xcPersistent 0, the region vector, cachedVectorSize 3).
@@ -65,14 +43,9 @@ Bytes setArchiveStart(unsigned version, int regionCount) {
     testbytes::u8(b, 0);
     testbytes::u32(b, static_cast<std::uint32_t>(regionCount));
     for (int i = 0; i < regionCount; ++i)
-        edgeletRegionObject(b, 5, square(0, 0, 1));
+        testbytes::edgeletRegionObject(b, 5, square(0, 0, 1));
     testbytes::u32(b, 3);
     return b;
-}
-
-void backReference(Bytes& b, std::uint32_t object) {
-    testbytes::u8(b, 2);
-    testbytes::u32(b, object);
 }
 
 }  // namespace
@@ -90,14 +63,14 @@ TEST(RegionSetTArchive, RecordLayout) {
     testbytes::u8(expected, 0);
     testbytes::u8(expected, 0);
     testbytes::u32(expected, 2);
-    edgeletRegionObject(expected, 7, {{0, 0}, {1, 0}, {1, 1}});
-    edgeletRegionObject(expected, 8, {{2, 2}});
+    testbytes::edgeletRegionObject(expected, 7, {{0, 0}, {1, 0}, {1, 1}});
+    testbytes::edgeletRegionObject(expected, 8, {{2, 2}});
     testbytes::u32(expected, 3);
     // The edgelet regions: the same objects, numbered 1 and 2 after the set (0).
     testbytes::u8(expected, 0);
     testbytes::u32(expected, 2);
-    backReference(expected, 1);
-    backReference(expected, 2);
+    testbytes::backReference(expected, 1);
+    testbytes::backReference(expected, 2);
     EXPECT_EQ(store({s}), expected);
 }
 
@@ -154,7 +127,7 @@ TEST(RegionSetTArchive, HandBuiltRecordLoads) {
     Bytes bytes = setArchiveStart(0, 1);
     testbytes::u8(bytes, 0);
     testbytes::u32(bytes, 1);
-    backReference(bytes, 1);
+    testbytes::backReference(bytes, 1);
     const SetHandle back = load(bytes, 1)[0];
     ASSERT_EQ(back->regionsT().size(), 1u);
     EXPECT_EQ(back->regionsT()[0]->points(), square(0, 0, 1));
@@ -178,25 +151,12 @@ TEST(RegionSetTArchive, PlainRegionInTheEdgeletListIsRefused) {
     testbytes::u8(bytes, 0);
     testbytes::u32(bytes, 1);
     testbytes::newObject(bytes, "xcRegion");
-    testbytes::u8(bytes, 1);  // region version 1
-    testbytes::u8(bytes, 1);  // contour version 1, xcPersistent 0, label 0, closed, no points, 3
-    testbytes::u8(bytes, 0);
-    testbytes::u32(bytes, 0);
-    testbytes::u8(bytes, 1);
-    testbytes::u8(bytes, 0);
-    testbytes::u32(bytes, 0);
-    testbytes::u32(bytes, 3);
-    testbytes::u8(bytes, 0);  // no holes
-    testbytes::u32(bytes, 0);
+    testbytes::regionPart(bytes, 0, {});
     EXPECT_THROW(load(bytes, 1), xcContourDefs::BadParams);
 }
 
 TEST(RegionSetTArchive, EveryTruncationThrowsAnArchiveError) {
     const SetHandle s(new EdgeletRegionSet(EdgeletRegionHandles{
         EdgeletRegionHandle(new EdgeletRegion({edgelet(0, 0), edgelet(1, 0), edgelet(1, 1)}, 1))}));
-    const Bytes bytes = store({s});
-    for (std::size_t n = 0; n < bytes.size(); ++n) {
-        const Bytes cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(n));
-        EXPECT_THROW(load(cut, 1), xcException) << "cut at " << n;
-    }
+    testbytes::expectEveryTruncationThrows(store({s}), [](const Bytes& cut) { load(cut, 1); });
 }

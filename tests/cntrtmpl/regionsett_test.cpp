@@ -61,10 +61,8 @@ TEST(RegionSetT, DefaultIsEmpty) {
 }
 
 TEST(RegionSetT, FactoryIsRegisteredUnderStableNameAndMakesDefault) {
-    const xc_Instantiator::MakeFunction make = xc_Instantiator::lookup("xcRegionSetT<xcEdgelet>");
-    ASSERT_NE(make, nullptr);
-    std::unique_ptr<xcPersistent> made(make());
-    auto* s = dynamic_cast<EdgeletRegionSet*>(made.get());
+    const std::unique_ptr<EdgeletRegionSet> s =
+        madeByFactory<EdgeletRegionSet>("xcRegionSetT<xcEdgelet>");
     ASSERT_NE(s, nullptr);
     EXPECT_TRUE(s->regionsT().empty());
     EXPECT_TRUE(s->regions().empty());

@@ -3,8 +3,8 @@
 #include <cntrtmpl/regiont.h>
 #include <foundation/archive.h>
 
-#include "cntr/archive_bytes.h"
 #include "cntr/region_testing.h"
+#include "edgelet_archive_bytes.h"
 #include "edgelet_testing.h"
 
 using EdgeletRegion = xcRegionT<xcEdgelet>;
@@ -35,31 +35,11 @@ Handle load(const Bytes& bytes) {
     return h;
 }
 
-// A version-1 region part without holes: version 1, the version-1 contour record (version 1,
-// the xcPersistent byte 0, label, closed flag, points, cachedVectorSize 3) and an empty holes
-// vector record.
-void regionPart(Bytes& b, std::uint32_t label, const Points& p) {
-    testbytes::u8(b, 1);
-    testbytes::u8(b, 1);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, label);
-    testbytes::u8(b, 1);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, static_cast<std::uint32_t>(p.size()));
-    for (const xcVector<2>& v : p) {
-        testbytes::f64(b, v.x());
-        testbytes::f64(b, v.y());
-    }
-    testbytes::u32(b, 3);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, 0);
-}
-
 Bytes regionTArchive(unsigned version, std::uint32_t label, const Points& p) {
     Bytes b = testbytes::header();
     testbytes::newObject(b, "xcRegionT<xcEdgelet>");
     testbytes::u8(b, version);
-    regionPart(b, label, p);
+    testbytes::regionPart(b, label, p);
     return b;
 }
 
@@ -128,7 +108,7 @@ TEST(RegionTArchive, LoadingInPlaceResetsTheEdgeletPartAndHoles) {
     target.holes(EdgeletRegion::HoleHandles{EdgeletRegionHandle(new EdgeletRegion())});
     Bytes bytes = testbytes::header();
     testbytes::u8(bytes, 0);
-    regionPart(bytes, 6, square(0, 0, 2));
+    testbytes::regionPart(bytes, 6, square(0, 0, 2));
     xcMemoryArchive in(bytes);
     target.dispatchSerialize(in);
     EXPECT_EQ(target.points(), square(0, 0, 2));

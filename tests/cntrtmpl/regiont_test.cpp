@@ -67,10 +67,7 @@ TEST(RegionT, DefaultIsEmptyClosedWithoutDataTransformOrHoles) {
 }
 
 TEST(RegionT, FactoryIsRegisteredUnderStableNameAndMakesDefault) {
-    const xc_Instantiator::MakeFunction make = xc_Instantiator::lookup("xcRegionT<xcEdgelet>");
-    ASSERT_NE(make, nullptr);
-    std::unique_ptr<xcPersistent> made(make());
-    const auto* r = dynamic_cast<const EdgeletRegion*>(made.get());
+    const std::unique_ptr<EdgeletRegion> r = madeByFactory<EdgeletRegion>("xcRegionT<xcEdgelet>");
     ASSERT_NE(r, nullptr);
     EXPECT_TRUE(r->points().empty());
     EXPECT_TRUE(r->data().empty());
