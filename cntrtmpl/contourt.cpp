@@ -63,7 +63,8 @@ void xcContourT<T>::assignEdgeletPart(const xcContourT& other) {
 
 template <class T>
 void xcContourT<T>::data(const std::vector<T>& d) {
-    pointsFromDataXform();  // a singular transform throws here, before anything changes
+    if (!d.empty())
+        pointsFromDataXform();  // a singular transform throws before any change
     data_ = d;
     makePointsConsistentWithData();
 }

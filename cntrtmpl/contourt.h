@@ -33,6 +33,10 @@ class xcRegionT;
 ///
 /// Equality is by vertices and by identity of the transform object (see operator==).
 ///
+/// The contour's own operations that assign only the contour part (xcContour::map with an edgelet
+/// contour as its output, xcContour::operator= through a contour reference) leave the data as
+/// they were; set the points or the data afterwards to bring them back in step.
+///
 /// Not thread-safe, like xcContour: point() fills the cached inverse, also through const.
 template <class T>
 class xcContourT : public virtual xcContour {
@@ -45,7 +49,8 @@ class xcContourT : public virtual xcContour {
     explicit xcContourT(const std::vector<T>& data);
     /// A closed contour with label 0 of the data, with a clone of `xform` as the transform (a
     /// new identity xc2XformLinear when `xform` is null); vertex i is point(data[i]). Throws
-    /// xcMathError::Singular when the transform has no inverse.
+    /// xcMathError::Singular when there are data and the transform has no inverse (without data
+    /// no inverse is needed).
     xcContourT(const std::vector<T>& data, const xcPtrHandle_const<xc2XformBase>& xform);
     /// A copy: the contour part as xcContour copies it, the data, and the transform and its
     /// cached inverse shared with `other`.
@@ -57,7 +62,8 @@ class xcContourT : public virtual xcContour {
     /// The data, index for index with the vertices.
     const std::vector<T>& data() const { return data_; }
     /// Replaces the data and rebuilds the vertices from it (makePointsConsistentWithData()).
-    /// Throws xcMathError::Singular, changing nothing, when the transform has no inverse.
+    /// Throws xcMathError::Singular, changing nothing, when `d` is not empty and the transform
+    /// has no inverse.
     void data(const std::vector<T>& d);
 
     /// The data-from-points transform (null only in a default-constructed or version-0-loaded

@@ -196,6 +196,24 @@ TEST(ContourT, DataWithSingularTransformThrowsAndChangesNothing) {
     EXPECT_EQ(c.points(), (Points{{5, 5}, {6, 7}}));
 }
 
+TEST(ContourT, EmptyDataWithSingularTransformIsAccepted) {
+    EdgeletContour c(Edgelets(), singularXform());
+    c.points({{5, 5}});
+    c.data(Edgelets());
+    EXPECT_TRUE(c.points().empty());
+    EXPECT_TRUE(c.data().empty());
+}
+
+TEST(ContourT, ContourMapIntoAnEdgeletContourLeavesTheDataUntilPointsAreSet) {
+    EdgeletContour c({edgelet(1, 2, 9, 9)});
+    const xcXform<2> shift(xcMatrix<2>::I, xcVector<2>(10, 0));
+    c.map(shift, c);
+    EXPECT_EQ(c.points(), (Points{{11, 2}}));
+    EXPECT_EQ(c.data(), (Edgelets{edgelet(1, 2, 9, 9)}));
+    c.points(c.points());
+    EXPECT_EQ(c.data(), (Edgelets{edgelet(11, 2)}));
+}
+
 TEST(ContourT, RandomEdgeletsRoundTripThroughTheirPoints) {
     // Law: for an invertible transform, datum(point(e)) has e's position up to rounding.
     std::mt19937 gen(20240611);
