@@ -16,9 +16,11 @@ std::vector<xcPtrHandle_const<xcRegion>> asConst(const std::vector<xcPtrHandle<x
 
 }  // namespace
 
-void xn_regionSetDetail::checkNoNullRegion(const std::vector<xcPtrHandle_const<xcRegion>>& regions) {
+void xn_regionSetDetail::checkNoNullRegion(
+    const std::vector<xcPtrHandle_const<xcRegion>>& regions) {
     for (const xcPtrHandle_const<xcRegion>& region : regions)
-        if (region.isNull()) throw xcContourDefs::BadParams(L"region set cannot hold a null region");
+        if (region.isNull())
+            throw xcContourDefs::BadParams(L"region set cannot hold a null region");
 }
 
 xcRegionSet::xcRegionSet(const RegionHandles& regions, xcContourDefs::IntersectionMode mode) {
@@ -38,10 +40,12 @@ xcRegionSet::xcRegionSet(const xcRegionSet& other) : xcPersistent(), xcRepBase()
 }
 
 xcRegionSet& xcRegionSet::operator=(const xcRegionSet& other) {
-    if (&other == this) return *this;
+    if (&other == this)
+        return *this;
     // The rectangle cache is copied first, so that a failed allocation leaves this set as it was.
     std::unique_ptr<xn_contourDetail::RectMemo> rectCache;
-    if (other.rectCache_) rectCache.reset(new xn_contourDetail::RectMemo(*other.rectCache_));
+    if (other.rectCache_)
+        rectCache.reset(new xn_contourDetail::RectMemo(*other.rectCache_));
 
     regions_ = other.regions_;
     cachedVectorSize_ = other.cachedVectorSize_;
@@ -61,9 +65,13 @@ xcRegionSet& xcRegionSet::operator=(const xcRegionSet& other) {
     return *this;
 }
 
-xcRegionSet::~xcRegionSet() { deletePointers(); }
+xcRegionSet::~xcRegionSet() {
+    deletePointers();
+}
 
-xcRegionSet::RegionHandles xcRegionSet::regions() { return regions_; }
+xcRegionSet::RegionHandles xcRegionSet::regions() {
+    return regions_;
+}
 
 void xcRegionSet::regions(const RegionHandles& r, xcContourDefs::IntersectionMode mode) {
     checkNoNullRegion(r);
@@ -99,34 +107,47 @@ void xcRegionSet::applyMode(xcContourDefs::IntersectionMode mode) {
 }
 
 void xcRegionSet::cachedVectorSize(long n) {
-    if (n < 0) throw xcContourDefs::BadParams(std::wstring());
+    if (n < 0)
+        throw xcContourDefs::BadParams(std::wstring());
     cachedVectorSize_ = n;
     mutating();
 }
 
 void xcRegionSet::checkEmptyRegionSet() const {
-    if (regions_.empty()) throw xcContourDefs::EmptyRegionSet(std::wstring());
+    if (regions_.empty())
+        throw xcContourDefs::EmptyRegionSet(std::wstring());
 }
 
 bool xcRegionSet::operator==(const xcRegionSet& other) const {
-    if (regions_.size() != other.regions_.size()) return false;
+    if (regions_.size() != other.regions_.size())
+        return false;
     for (std::size_t i = 0; i < regions_.size(); ++i)
-        if (!(*regions_[i] == *other.regions_[i])) return false;
+        if (!(*regions_[i] == *other.regions_[i]))
+            return false;
     return true;
 }
 
 void xcRegionSet::draw(xcUITablet& tablet, const xcColor& color,
                        const xcUITablet::Layers& layer) const {
-    for (const xcPtrHandle_const<xcRegion>& region : regions_) region->draw(tablet, color, layer);
+    for (const xcPtrHandle_const<xcRegion>& region : regions_)
+        region->draw(tablet, color, layer);
 }
 
-void xcRegionSet::makeDataConsistentWithPoints() { cleanCacheInfo(); }
+void xcRegionSet::makeDataConsistentWithPoints() {
+    cleanCacheInfo();
+}
 
-void xcRegionSet::makePointsConsistentWithData() { cleanCacheInfo(); }
+void xcRegionSet::makePointsConsistentWithData() {
+    cleanCacheInfo();
+}
 
-void xcRegionSet::initializePointers() { rectCache_.reset(); }
+void xcRegionSet::initializePointers() {
+    rectCache_.reset();
+}
 
-void xcRegionSet::deletePointers() { rectCache_.reset(); }
+void xcRegionSet::deletePointers() {
+    rectCache_.reset();
+}
 
 void xcRegionSet::cleanCacheInfo() {
     mutating();

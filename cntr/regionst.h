@@ -46,10 +46,14 @@ class xcArchive;
 /// refuse one with xcContourDefs::BadParams ("region set cannot hold a null region"), loading
 /// refuses a member of another class with xcArchive::BadData, before anything is changed.
 ///
+/// area() is a const member that counts its cache fill as a change too; the change count lives
+/// in the persistence base, outside the mutable caches, so area() must not be called on a set
+/// that was itself defined const (a const reference to a set is fine).
+///
 /// Not thread-safe: even const queries write the caches. Separate sets may be used from
 /// separate threads, provided they do not share regions.
 class CNTR_API xcRegionSet : public virtual xcPersistent, public virtual xcRepBase {
-public:
+  public:
     using RegionHandles = std::vector<xcPtrHandle_const<xcRegion>>;
     using MutableRegionHandles = std::vector<xcPtrHandle<xcRegion>>;
 
@@ -108,15 +112,16 @@ public:
     // ---- measures ----
 
     /// The sum of the regions' area(considerHoles), in order; 0 for an empty set. Cached per
-    /// flag.
+    /// flag; a fill calls mutating().
     double area(bool considerHoles) const;
     /// The area-weighted mean of the regions' centerOfMass(considerHoles); (0, 0) when the
-    /// areas sum to within 1e-15 of 0. Cached per flag. Throws EmptyRegionSet.
+    /// areas sum to within 1e-15 of 0. Cached per flag; a fill calls mutating(). Throws
+    /// EmptyRegionSet.
     xcVector<2> centerOfMass(bool considerHoles);
     /// The central inertia matrix of the union of the regions: their inertia records (area,
     /// centre, inertiaMatrix(considerHoles)) combined in order with xc_InertiaData::operator+.
-    /// Cached per flag. Throws EmptyRegionSet, and BadParams from a region with holes when
-    /// considerHoles is true (the region does not provide that inertia).
+    /// Cached per flag; a fill calls mutating(). Throws EmptyRegionSet, and BadParams from a
+    /// region with holes when considerHoles is true (the region does not provide that inertia).
     xcMatrix<2> inertiaMatrix(bool considerHoles);
     /// Whether some region contains `point` (xcRegion::inside with the flag passed on); false
     /// for an empty set. Not cached.
@@ -129,8 +134,8 @@ public:
     /// The union of the enclosing rectangles (xcContour::encloseRect) of the regions' outlines
     /// under `xform`; holes are not visited. Cached by transform, the key ignoring matrix
     /// element (1,1) on purpose, as every transform-keyed cache of the library does: a transform
-    /// that differs from a cached one only there returns that one's rectangle. Throws
-    /// EmptyRegionSet.
+    /// that differs from a cached one only there returns that one's rectangle. A fill calls
+    /// mutating(). Throws EmptyRegionSet.
     xcRect encloseRect(const xcXform<2>& xform);
     /// Whether some region's outline crosses itself (xcContour::isSelfIntersecting) or the
     /// outline of another region (xcContour::intersections not empty). Holes are not examined.
@@ -147,8 +152,9 @@ public:
     /// assigned to `out`, which may be this set. The regions of this set are never modified.
     ///
     /// The merge pass visits slots i = 0, 1, ... and, for each, slots j = i + 1, i + 2, ...
-    /// (both bounds re-read as the list shrinks). When region i's outline or holes meet region
-    /// j's outline, the two are spliced into one new region in slot i, the last region moves
+    /// (both bounds re-read as the list shrinks). When region i's outline meets region j's
+    /// (xcRegion::intersections without holes not empty), the two outlines are spliced into one
+    /// new region without holes in slot i (xcRegion's splice), the last region moves
     /// into slot j, and j advances all the same: the moved region is not compared with the
     /// merged one in this pass, and the pass is never repeated. A region crossing only a part
     /// that another region contributed to a merge may therefore stay separate; that is the
@@ -160,7 +166,7 @@ public:
     /// As regularize, with xcRegion::outerHull applied to every region of the merged list.
     void outerHull(xcRegionSet& out) const;
 
-protected:
+  protected:
     /// Assigns the handle vector only: no cache reset and no mode step (for derived classes
     /// that keep the list in step with their own). Throws BadParams for a null handle.
     void setRegions(const RegionHandles& r);
@@ -202,7 +208,7 @@ protected:
     };
     CacheState cacheState() const;
 
-private:
+  private:
     /// A value cached per considerHoles flag.
     template <class T>
     struct FlagSlot {

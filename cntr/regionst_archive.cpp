@@ -12,7 +12,9 @@ constexpr unsigned char kCurrentVersion = 1;
 
 }  // namespace
 
-xcPersistent* xcRegionSet::make() { return new xcRegionSet(); }
+xcPersistent* xcRegionSet::make() {
+    return new xcRegionSet();
+}
 xc_Instantiator xcRegionSet::sExemplar(typeid(xcRegionSet), &xcRegionSet::make);
 
 void xcRegionSet::dispatchSerialize(xcArchive& ar) {
@@ -24,22 +26,26 @@ void xcRegionSet::dispatchSerialize(xcArchive& ar) {
 }
 
 void xcRegionSet::serialize_(xcArchive& ar, unsigned char version) {
-    if (version > 1) throw xcArchive::UnknownVersion(kRegionSetSource, kBadRegionSetVersionLine);
+    if (version > 1)
+        throw xcArchive::UnknownVersion(kRegionSetSource, kBadRegionSetVersionLine);
     xcPersistent::dispatchSerialize(ar);
     if (ar.isStoring()) {
         ar || regions_;
-        if (version == 1) ar || cachedVectorSize_;
+        if (version == 1)
+            ar || cachedVectorSize_;
         return;
     }
     // Read into locals and checked first, so that a refused record leaves the set as it was.
     RegionHandles loaded;
     long limit = cachedVectorSize_;
     ar || loaded;
-    if (version == 1) ar || limit;
+    if (version == 1)
+        ar || limit;
     // A valid record holds regions only: a member stored as another class loads as a null
     // handle, which the set never holds.
     for (const xcPtrHandle_const<xcRegion>& region : loaded)
-        if (region.isNull()) throw xcArchive::BadData(L"region set member is not a region");
+        if (region.isNull())
+            throw xcArchive::BadData(L"region set member is not a region");
     regions_.swap(loaded);
     cachedVectorSize_ = limit;
     cleanCacheInfo();

@@ -27,9 +27,11 @@ xcRegionSet::FlagSlot<xcMatrix<2>>& xcRegionSet::inertiaSlot(bool considerHoles)
 
 double xcRegionSet::area(bool considerHoles) const {
     FlagSlot<double>& slot = areaSlot(considerHoles);
-    if (slot.valid) return slot.value;
+    if (slot.valid)
+        return slot.value;
     double sum = 0.0;
-    for (const xcPtrHandle_const<xcRegion>& region : regions_) sum += region->area(considerHoles);
+    for (const xcPtrHandle_const<xcRegion>& region : regions_)
+        sum += region->area(considerHoles);
     slot.value = sum;
     slot.valid = true;
     // A cache fill counts as a change of the set. The change count is not a mutable member of
@@ -41,7 +43,8 @@ double xcRegionSet::area(bool considerHoles) const {
 xcVector<2> xcRegionSet::centerOfMass(bool considerHoles) {
     checkEmptyRegionSet();
     FlagSlot<xcVector<2>>& slot = centerSlot(considerHoles);
-    if (slot.valid) return slot.value;
+    if (slot.valid)
+        return slot.value;
     xcVector<2> weighted;
     double total = 0.0;
     for (const xcPtrHandle_const<xcRegion>& handle : regions_) {
@@ -60,7 +63,8 @@ xcVector<2> xcRegionSet::centerOfMass(bool considerHoles) {
 xcMatrix<2> xcRegionSet::inertiaMatrix(bool considerHoles) {
     checkEmptyRegionSet();
     FlagSlot<xcMatrix<2>>& slot = inertiaSlot(considerHoles);
-    if (slot.valid) return slot.value;
+    if (slot.valid)
+        return slot.value;
     xc_InertiaData total(0.0, xcVector<2>(), xcMatrix<2>());
     for (const xcPtrHandle_const<xcRegion>& handle : regions_) {
         xcRegion& region = queried(handle);
@@ -77,7 +81,8 @@ xcMatrix<2> xcRegionSet::inertiaMatrix(bool considerHoles) {
 
 bool xcRegionSet::inside(const xcVector<2>& point, bool considerHoles) const {
     for (const xcPtrHandle_const<xcRegion>& region : regions_)
-        if (region->inside(point, considerHoles)) return true;
+        if (region->inside(point, considerHoles))
+            return true;
     return false;
 }
 
@@ -87,16 +92,19 @@ double xcRegionSet::distToPoint(const xcVector<2>& point, bool vertexOnly, bool 
     double nearest = std::numeric_limits<double>::infinity();
     for (const xcPtrHandle_const<xcRegion>& region : regions_) {
         const double d = region->distToPoint(point, vertexOnly, considerHoles, zeroInside);
-        if (d < nearest) nearest = d;
+        if (d < nearest)
+            nearest = d;
     }
     return nearest;
 }
 
 xcRect xcRegionSet::encloseRect(const xcXform<2>& xform) {
     checkEmptyRegionSet();
-    if (!rectCache_) rectCache_.reset(new xn_contourDetail::RectMemo);
+    if (!rectCache_)
+        rectCache_.reset(new xn_contourDetail::RectMemo);
     const auto found = rectCache_->find(xform);
-    if (found != rectCache_->end()) return found->second;
+    if (found != rectCache_->end())
+        return found->second;
 
     xcRect box = queried(regions_[0]).xcContour::encloseRect(xform);
     for (std::size_t i = 1; i < regions_.size(); ++i)
@@ -107,8 +115,10 @@ xcRect xcRegionSet::encloseRect(const xcXform<2>& xform) {
 }
 
 bool xcRegionSet::isSelfIntersecting() const {
-    if (regions_.empty()) return false;
-    if (selfIntersectingValid_) return selfIntersecting_;
+    if (regions_.empty())
+        return false;
+    if (selfIntersectingValid_)
+        return selfIntersecting_;
     // The answer is cached only once it is complete, so that an error of a region leaves the
     // cache invalid.
     // The pairs are tested even when an outline already crosses itself (the result is the
@@ -124,7 +134,8 @@ bool xcRegionSet::anyOutlineCrossesItself() const {
     // Every outline is asked, also after a hit, so that each region caches its own answer.
     bool crossing = false;
     for (const xcPtrHandle_const<xcRegion>& region : regions_)
-        if (region->xcContour::isSelfIntersecting()) crossing = true;
+        if (region->xcContour::isSelfIntersecting())
+            crossing = true;
     return crossing;
 }
 
@@ -133,13 +144,16 @@ bool xcRegionSet::anyOutlinesCross() const {
     // query per edge; the answers are those of the contour queries.
     std::vector<VertexBox> boxes;
     boxes.reserve(regions_.size());
-    for (const xcPtrHandle_const<xcRegion>& region : regions_) boxes.push_back(vertexBox(*region));
+    for (const xcPtrHandle_const<xcRegion>& region : regions_)
+        boxes.push_back(vertexBox(*region));
     for (std::size_t i = 0; i < regions_.size(); ++i) {
         xcContour& outline = queried(regions_[i]);
         for (std::size_t j = i + 1; j < regions_.size(); ++j) {
-            if (!outlinesMayMeet(outline, boxes[j])) continue;
+            if (!outlinesMayMeet(outline, boxes[j]))
+                continue;
             const xcContour& other = *regions_[j];
-            if (!outline.xcContour::intersections(other).empty()) return true;
+            if (!outline.xcContour::intersections(other).empty())
+                return true;
         }
     }
     return false;
@@ -149,16 +163,20 @@ xn_regionSetDetail::VertexBox xn_regionSetDetail::vertexBox(const xcContour& con
     VertexBox box;
     const std::vector<xcVector<2>>& p = contour.points();
     for (const xcVector<2>& v : p)
-        if (std::isnan(v.x()) || std::isnan(v.y())) return box;
-    if (p.empty()) return box;
+        if (std::isnan(v.x()) || std::isnan(v.y()))
+            return box;
+    if (p.empty())
+        return box;
     box.rect = xcRect::at(p[0]);
-    for (std::size_t i = 1; i < p.size(); ++i) box.rect = box.rect.enclose(xcRect::at(p[i]));
+    for (std::size_t i = 1; i < p.size(); ++i)
+        box.rect = box.rect.enclose(xcRect::at(p[i]));
     box.known = true;
     return box;
 }
 
 bool xn_regionSetDetail::outlinesMayMeet(xcContour& outline, const VertexBox& otherBox) {
-    if (!otherBox.known) return true;
+    if (!otherBox.known)
+        return true;
     const xcRect rect = outline.encloseRect(xcXform<2>::I);
     const bool finite = std::isfinite(rect.ul().x()) && std::isfinite(rect.ul().y()) &&
                         std::isfinite(rect.lr().x()) && std::isfinite(rect.lr().y());

@@ -49,13 +49,16 @@ void xcRegionSet::outerHullRegularize(xcRegionSet& out, bool outerHullOnly) cons
     // vertex boxes, kept in step with the slots, spare the contour query for pairs far apart.
     std::vector<VertexBox> boxes;
     boxes.reserve(work.size());
-    for (const xcPtrHandle_const<xcRegion>& region : work) boxes.push_back(vertexBox(*region));
+    for (const xcPtrHandle_const<xcRegion>& region : work)
+        boxes.push_back(vertexBox(*region));
     for (std::size_t i = 0; i + 1 < work.size(); ++i) {
         for (std::size_t j = i + 1; j < work.size(); ++j) {
             xcRegion& regionI = queried(work[i]);
-            if (!outlinesMayMeet(regionI, boxes[j])) continue;
+            if (!outlinesMayMeet(regionI, boxes[j]))
+                continue;
             const xcContour& outlineJ = *work[j];
-            if (regionI.intersections(outlineJ, false).empty()) continue;
+            if (regionI.intersections(outlineJ, false).empty())
+                continue;
             const xcPtrHandle<xcRegion> merged = newEmptyRegion();
             work[i]->splice(*work[j], *merged);
             work[i] = merged;

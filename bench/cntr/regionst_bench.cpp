@@ -44,7 +44,8 @@ struct Workload {
     }
     void resetSet() { set.regions(regions, xcContourDefs::keepOutline); }
     void resetRegions() {
-        for (const xcPtrHandle<xcRegion>& r : regions) r->points(r->points());
+        for (const xcPtrHandle<xcRegion>& r : regions)
+            r->points(r->points());
     }
     // The centre of the last region.
     xcVector<2> lastCentre() const {
@@ -80,7 +81,8 @@ template <class Query>
 void cachedForm(benchmark::State& state, Query query) {
     Workload w(state.range(0));
     query(w.set);
-    for (auto _ : state) benchmark::DoNotOptimize(query(w.set));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(query(w.set));
 }
 
 const auto area = [](xcRegionSet& s) { return s.area(true); };
@@ -96,15 +98,33 @@ void BM_ResetOnly(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-void BM_Area_Set(benchmark::State& s) { setForm(s, area); }
-void BM_Area_Cold(benchmark::State& s) { coldForm(s, area); }
-void BM_Area_Cached(benchmark::State& s) { cachedForm(s, area); }
-void BM_CenterOfMass_Set(benchmark::State& s) { setForm(s, centre); }
-void BM_CenterOfMass_Cold(benchmark::State& s) { coldForm(s, centre); }
-void BM_CenterOfMass_Cached(benchmark::State& s) { cachedForm(s, centre); }
-void BM_IsSelfIntersecting_Set(benchmark::State& s) { setForm(s, selfIntersecting); }
-void BM_IsSelfIntersecting_Cold(benchmark::State& s) { coldForm(s, selfIntersecting); }
-void BM_IsSelfIntersecting_Cached(benchmark::State& s) { cachedForm(s, selfIntersecting); }
+void BM_Area_Set(benchmark::State& s) {
+    setForm(s, area);
+}
+void BM_Area_Cold(benchmark::State& s) {
+    coldForm(s, area);
+}
+void BM_Area_Cached(benchmark::State& s) {
+    cachedForm(s, area);
+}
+void BM_CenterOfMass_Set(benchmark::State& s) {
+    setForm(s, centre);
+}
+void BM_CenterOfMass_Cold(benchmark::State& s) {
+    coldForm(s, centre);
+}
+void BM_CenterOfMass_Cached(benchmark::State& s) {
+    cachedForm(s, centre);
+}
+void BM_IsSelfIntersecting_Set(benchmark::State& s) {
+    setForm(s, selfIntersecting);
+}
+void BM_IsSelfIntersecting_Cold(benchmark::State& s) {
+    coldForm(s, selfIntersecting);
+}
+void BM_IsSelfIntersecting_Cached(benchmark::State& s) {
+    cachedForm(s, selfIntersecting);
+}
 
 // inside keeps no result of its own; the regions' rectangles and diameters are cached after the
 // first call. A point between the polygons is rejected by every region's rectangle; the centre
@@ -112,14 +132,16 @@ void BM_IsSelfIntersecting_Cached(benchmark::State& s) { cachedForm(s, selfInter
 void BM_Inside_NoRegion(benchmark::State& state) {
     Workload w(state.range(0));
     const xcVector<2> between(kPitch / 2, kPitch / 2);
-    for (auto _ : state) benchmark::DoNotOptimize(w.set.inside(between, true));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(w.set.inside(between, true));
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
 void BM_Inside_LastRegion(benchmark::State& state) {
     Workload w(state.range(0));
     const xcVector<2> centre = w.lastCentre();
-    for (auto _ : state) benchmark::DoNotOptimize(w.set.inside(centre, true));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(w.set.inside(centre, true));
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 

@@ -19,32 +19,24 @@ namespace {
 
 // A set probe that exposes its own record, for loading in place.
 class StoredSetProbe : public RegionSetProbe {
-public:
+  public:
     using RegionSetProbe::RegionSetProbe;
     using xcRegionSet::dispatchSerialize;
 };
 
 Bytes storeSets(const std::vector<SetHandle>& sets) {
     xcMemoryArchive out;
-    for (SetHandle s : sets) out || s;
+    for (SetHandle s : sets)
+        out || s;
     return out.bytes();
 }
 
 std::vector<SetHandle> loadSets(const Bytes& bytes, std::size_t count) {
     xcMemoryArchive in(bytes);
     std::vector<SetHandle> sets(count);
-    for (SetHandle& s : sets) in || s;
+    for (SetHandle& s : sets)
+        in || s;
     return sets;
-}
-
-// The points as a vector record: format 0, the count, then x and y of each.
-void pointsRecord(Bytes& b, const Points& p) {
-    testbytes::u8(b, 0);
-    testbytes::u32(b, static_cast<std::uint32_t>(p.size()));
-    for (const xcVector<2>& v : p) {
-        testbytes::f64(b, v.x());
-        testbytes::f64(b, v.y());
-    }
 }
 
 // A region written as a new object: the pointer record's head, the region's version 1, the
@@ -53,12 +45,7 @@ void pointsRecord(Bytes& b, const Points& p) {
 void regionObject(Bytes& b, std::uint32_t label, const Points& p, std::int32_t limit) {
     testbytes::newObject(b, "xcRegion");
     testbytes::u8(b, 1);
-    testbytes::u8(b, 1);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, label);
-    testbytes::u8(b, 1);
-    pointsRecord(b, p);
-    testbytes::u32(b, static_cast<std::uint32_t>(limit));
+    testbytes::contourRecordV1(b, label, true, p, limit);
     testbytes::u8(b, 0);
     testbytes::u32(b, 0);
 }
@@ -87,7 +74,7 @@ void expectUnknownVersion(Load load, const std::string& source, long line) {
 
 TEST(RegionSetArchive, RecordLayoutOfVersionOne) {
     const Points outline = rectangle(0, 0, 2, 1);
-    const RegionHandle r = region(outline);
+    const RegionHandle r = regionOf(outline);
     r->label(4);
     SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(r)}, Defs::keepOutline));
     s->cachedVectorSize(6);
@@ -102,8 +89,8 @@ TEST(RegionSetArchive, RecordLayoutOfVersionOne) {
 
 TEST(RegionSetArchive, StoredAndReloadedSetIsEqualWithItsLimit) {
     SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(box(0, 0, 1, 1)),
-                                              ConstRegionHandle(regionWithHole(rectangle(5, 5, 9, 9),
-                                                                               rectangle(6, 6, 7, 7)))},
+                                              ConstRegionHandle(regionWithHole(
+                                                  rectangle(5, 5, 9, 9), rectangle(6, 6, 7, 7)))},
                                 Defs::keepOutline));
     s->cachedVectorSize(0);
     const SetHandle back = loadSets(storeSets({s}), 1)[0];
@@ -144,8 +131,9 @@ TEST(RegionSetArchive, RegionsSharedWithAnotherSetStayShared) {
 
 TEST(RegionSetArchive, ARegionHeldTwiceIsStoredOnce) {
     const Points outline = rectangle(0, 0, 1, 1);
-    const RegionHandle r = region(outline);
-    SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(r), ConstRegionHandle(r)}, Defs::keepOutline));
+    const RegionHandle r = regionOf(outline);
+    SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(r), ConstRegionHandle(r)},
+                                Defs::keepOutline));
 
     // The second element is a back-reference (tag 2) to counted object 1 (the set is 0).
     Bytes expected = testbytes::header();
@@ -163,7 +151,8 @@ TEST(RegionSetArchive, ARegionHeldTwiceIsStoredOnce) {
 }
 
 TEST(RegionSetArchive, ASetReachedTwiceIsStoredOnce) {
-    SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(box(0, 0, 1, 1))}, Defs::keepOutline));
+    SetHandle s(
+        new xcRegionSet(RegionHandles{ConstRegionHandle(box(0, 0, 1, 1))}, Defs::keepOutline));
     const std::vector<SetHandle> back = loadSets(storeSets({s, s}), 2);
     EXPECT_EQ(back[0].rep(), back[1].rep());
 }
@@ -210,12 +199,7 @@ TEST(RegionSetArchive, MemberOfAnotherClassIsRefused) {
     testbytes::newObject(b, "xcRegionSet");
     setHead(b, 1, 1);
     testbytes::newObject(b, "xcContour");
-    testbytes::u8(b, 1);
-    testbytes::u8(b, 0);
-    testbytes::u32(b, 0);
-    testbytes::u8(b, 1);
-    pointsRecord(b, rectangle(0, 0, 1, 1));
-    testbytes::u32(b, 3);
+    testbytes::contourRecordV1(b, 0, true, rectangle(0, 0, 1, 1), 3);
     testbytes::u32(b, 3);
     try {
         loadSets(b, 1);
@@ -226,7 +210,8 @@ TEST(RegionSetArchive, MemberOfAnotherClassIsRefused) {
 }
 
 TEST(RegionSetArchive, TruncatedRecordFails) {
-    SetHandle s(new xcRegionSet(RegionHandles{ConstRegionHandle(box(0, 0, 1, 1))}, Defs::keepOutline));
+    SetHandle s(
+        new xcRegionSet(RegionHandles{ConstRegionHandle(box(0, 0, 1, 1))}, Defs::keepOutline));
     Bytes b = storeSets({s});
     b.resize(b.size() - 2);
     EXPECT_THROW(loadSets(b, 1), xcArchive::Truncated);
@@ -238,8 +223,9 @@ TEST(RegionSetArchive, LoadingInPlaceReplacesTheListAndDropsTheCaches) {
     xcMemoryArchive out;
     source.dispatchSerialize(out);
 
-    StoredSetProbe target(RegionHandles{ConstRegionHandle(box(10, 10, 11, 11)), ConstRegionHandle(box(20, 0, 21, 1))},
-                          Defs::keepOutline);
+    StoredSetProbe target(
+        RegionHandles{ConstRegionHandle(box(10, 10, 11, 11)), ConstRegionHandle(box(20, 0, 21, 1))},
+        Defs::keepOutline);
     target.area(true);
     target.encloseRect(xcXform<2>::I);
     target.isSelfIntersecting();

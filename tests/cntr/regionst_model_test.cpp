@@ -18,13 +18,14 @@ namespace {
 // A set made by the archive's factory, as the loader would create it.
 std::unique_ptr<xcRegionSet> madeByFactory() {
     const xc_Instantiator::MakeFunction make = xc_Instantiator::lookup("xcRegionSet");
-    if (!make) return nullptr;
+    if (!make)
+        return nullptr;
     return std::unique_ptr<xcRegionSet>(dynamic_cast<xcRegionSet*>(make()));
 }
 
 // A region that records its draw calls in a shared log, to see how a set asks its regions.
 class DrawLoggingRegion : public xcRegion {
-public:
+  public:
     struct Call {
         const DrawLoggingRegion* region;
         xcUITablet* tablet;
@@ -32,13 +33,13 @@ public:
         xcUITablet::Layers layers;
     };
     DrawLoggingRegion(const Points& outline, std::vector<Call>& log)
-        : xcRegion(outline, Defs::keepOutline), log_(log) {}
+        : xcContour(outline, true, 0), xcRegion(outline, Defs::keepOutline), log_(log) {}
     void draw(xcUITablet& tablet, const xcColor& color,
               const xcUITablet::Layers& layers) const override {
         log_.push_back(Call{this, &tablet, color, layers});
     }
 
-private:
+  private:
     std::vector<Call>& log_;
 };
 
@@ -103,12 +104,14 @@ TEST(RegionSetModel, MutableHandlesAreSharedInOrder) {
     xcRegionSet s(given, Defs::keepOutline);
     const RegionHandles held = s.regions();
     ASSERT_EQ(held.size(), 3u);
-    for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(held[i].rep(), given[i].rep());
+    for (std::size_t i = 0; i < 3; ++i)
+        EXPECT_EQ(held[i].rep(), given[i].rep());
 }
 
 TEST(RegionSetModel, ModeZeroKeepsCrossingRegionsAsGiven) {
     // [0,2]^2 and [1,3]^2 cross; mode 0 takes them as they are.
-    const RegionHandles given{ConstRegionHandle(box(0, 0, 2, 2)), ConstRegionHandle(box(1, 1, 3, 3))};
+    const RegionHandles given{ConstRegionHandle(box(0, 0, 2, 2)),
+                              ConstRegionHandle(box(1, 1, 3, 3))};
     xcRegionSet s(given, Defs::keepOutline);
     const RegionHandles held = s.regions();
     ASSERT_EQ(held.size(), 2u);
@@ -117,7 +120,7 @@ TEST(RegionSetModel, ModeZeroKeepsCrossingRegionsAsGiven) {
 }
 
 TEST(RegionSetModel, UnknownModeValueKeepsTheList) {
-    const RegionHandles given{ConstRegionHandle(region(bowTie()))};
+    const RegionHandles given{ConstRegionHandle(regionOf(bowTie()))};
     xcRegionSet s(given, static_cast<Defs::IntersectionMode>(7));
     ASSERT_EQ(s.regions().size(), 1u);
     EXPECT_EQ(s.regions()[0].rep(), given[0].rep());
@@ -213,7 +216,8 @@ TEST(RegionSetModel, SetRegionsAssignsWithoutResetOrMode) {
     EXPECT_EQ(s.area(true), 2.0);
     s.cleanCalls = 0;
     // A crossing pair: a mode step would have merged it; setRegions takes it as it is.
-    const RegionHandles crossing{ConstRegionHandle(box(0, 0, 2, 2)), ConstRegionHandle(box(1, 1, 3, 3))};
+    const RegionHandles crossing{ConstRegionHandle(box(0, 0, 2, 2)),
+                                 ConstRegionHandle(box(1, 1, 3, 3))};
     s.setRegions(crossing);
     EXPECT_EQ(s.cleanCalls, 0);
     EXPECT_TRUE(s.cacheState().areaValid[1]);
@@ -224,7 +228,8 @@ TEST(RegionSetModel, SetRegionsAssignsWithoutResetOrMode) {
 
 TEST(RegionSetModel, SetRegionsRefusesANullRegion) {
     RegionSetProbe s(twoSquares(), Defs::keepOutline);
-    expectBadParams([&] { s.setRegions(RegionHandles(2)); }, L"region set cannot hold a null region");
+    expectBadParams([&] { s.setRegions(RegionHandles(2)); },
+                    L"region set cannot hold a null region");
     EXPECT_EQ(s.regions().size(), 2u);
 }
 
@@ -253,7 +258,8 @@ TEST(RegionSetModel, ZeroCachedVectorSizeIsAccepted) {
 
 TEST(RegionSetModel, CachedVectorSizeCountsAsAChangeAndKeepsTheRectangles) {
     RegionSetProbe s(twoSquares(), Defs::keepOutline);
-    for (int i = 0; i < 4; ++i) s.encloseRect(xcXform<2>(xcMatrix<2>::I, xcVector<2>(i, 0)));
+    for (int i = 0; i < 4; ++i)
+        s.encloseRect(xcXform<2>(xcMatrix<2>::I, xcVector<2>(i, 0)));
     const unsigned long changes = s.changeCount();
     s.cachedVectorSize(1);
     EXPECT_EQ(s.changeCount(), changes + 1);
@@ -274,7 +280,8 @@ TEST(RegionSetModel, SameRegionsInAnotherOrderAreUnequal) {
 TEST(RegionSetModel, EqualOutlinesInOrderAreEqualAcrossObjects) {
     // Different region objects with equal outlines; one carries a hole, which takes no part.
     xcRegionSet a(RegionHandles{ConstRegionHandle(box(0, 0, 4, 4))}, Defs::keepOutline);
-    xcRegionSet b(RegionHandles{ConstRegionHandle(regionWithHole(rectangle(0, 0, 4, 4), rectangle(1, 1, 2, 2)))},
+    xcRegionSet b(RegionHandles{ConstRegionHandle(
+                      regionWithHole(rectangle(0, 0, 4, 4), rectangle(1, 1, 2, 2)))},
                   Defs::keepOutline);
     b.cachedVectorSize(9);
     b.area(true);

@@ -12,12 +12,12 @@
 #include <cntr/region.h>
 #include <cntr/regionst.h>
 
-#include "contour_testing.h"
+#include "region_testing.h"
 
 /// A region set that exposes the protected members to the tests and counts calls of the cache
 /// reset.
 class RegionSetProbe : public xcRegionSet {
-public:
+  public:
     using xcRegionSet::xcRegionSet;
     RegionSetProbe(const RegionSetProbe&) = default;
     RegionSetProbe& operator=(const RegionSetProbe&) = default;
@@ -33,15 +33,13 @@ public:
 
     int cleanCalls = 0;
 
-protected:
+  protected:
     void cleanCacheInfo() override {
         ++cleanCalls;
         xcRegionSet::cleanCacheInfo();
     }
 };
 
-using RegionHandle = xcPtrHandle<xcRegion>;
-using ConstRegionHandle = xcPtrHandle_const<xcRegion>;
 using RegionHandles = std::vector<ConstRegionHandle>;
 
 /// The axis-aligned rectangle [x0, x1] x [y0, y1] as a counter-clockwise outline starting at
@@ -50,25 +48,22 @@ inline Points rectangle(double x0, double y0, double x1, double y1) {
     return {{x0, y0}, {x1, y0}, {x1, y1}, {x0, y1}};
 }
 
-/// A new region (mode 0) of the outline.
-inline RegionHandle region(const Points& outline) {
-    return RegionHandle(new xcRegion(outline, xcContourDefs::keepOutline));
-}
-
-/// A new region (mode 0) of the rectangle [x0, x1] x [y0, y1].
+/// A new region (mode keepOutline) of the rectangle [x0, x1] x [y0, y1].
 inline RegionHandle box(double x0, double y0, double x1, double y1) {
-    return region(rectangle(x0, y0, x1, y1));
+    return regionOf(rectangle(x0, y0, x1, y1));
 }
 
 /// A new region of `outline` with one hole of outline `hole`.
 inline RegionHandle regionWithHole(const Points& outline, const Points& hole) {
-    RegionHandle r = region(outline);
-    r->holes(RegionHandles{ConstRegionHandle(region(hole))});
+    RegionHandle r = regionOf(outline);
+    r->holes(RegionHandles{ConstRegionHandle(regionOf(hole))});
     return r;
 }
 
 /// The outline (0,0), (2,2), (2,0), (0,2): two triangles meeting where the edges cross at (1,1).
-inline Points bowTie() { return {{0, 0}, {2, 2}, {2, 0}, {0, 2}}; }
+inline Points bowTie() {
+    return {{0, 0}, {2, 2}, {2, 0}, {0, 2}};
+}
 
 inline void PrintTo(const xcRegionSet& s, std::ostream* os) {
     xcRegionSet copy(s);
@@ -81,28 +76,10 @@ inline void PrintTo(const xcRegionSet& s, std::ostream* os) {
     *os << "}";
 }
 
-/// Expects an exception of type E with error number `number` and message `message` from `call`.
-template <class E, class Call>
-void expectError(Call call, long number, const std::wstring& message) {
-    try {
-        call();
-        ADD_FAILURE() << "nothing thrown";
-    } catch (const E& e) {
-        EXPECT_EQ(e.errorNumber(), number);
-        EXPECT_EQ(e.message(), message);
-    }
-}
-
 /// Expects EmptyRegionSet (number 0x10004682, empty message) from `call`.
 template <class Call>
 void expectEmptyRegionSet(Call call) {
-    expectError<xcContourDefs::EmptyRegionSet>(call, 0x10004682, L"");
-}
-
-/// Expects BadParams (number 0x10004683) with `message` from `call`.
-template <class Call>
-void expectBadParams(Call call, const std::wstring& message) {
-    expectError<xcContourDefs::BadParams>(call, 0x10004683, message);
+    expectThrowWith<xcContourDefs::EmptyRegionSet>(call, 0x10004682, L"");
 }
 
 #endif
