@@ -1,6 +1,7 @@
 // Persistence of contours: the current record (version 1) and the legacy one (version 0).
 #include <cntr/contour.h>
 
+#include <cntr/contour_detail.h>
 #include <foundation/archive.h>
 
 namespace {
@@ -11,29 +12,20 @@ constexpr long kBadContourVersionLine = 900;
 constexpr long kBadLegacyBaseVersionLine = 890;
 constexpr unsigned char kCurrentVersion = 1;
 
-// The base class of contours in version-0 archives: its own version byte (0) and the
-// xcPersistent record. Kept only to read those records.
-class xcContourBase : public virtual xcPersistent, public virtual xcRepBase {
-public:
-    void dispatchSerialize(xcArchive& ar) override {
-        const xcContourBase* self = this;
-        if (haveVisited(ar, self, sizeof(xcContourBase))) return;
-        unsigned char version = 0;
-        ar || version;
-        if (version != 0) throw xcArchive::UnknownVersion(kContourSource, kBadLegacyBaseVersionLine);
-        xcPersistent::dispatchSerialize(ar);
-        setVisited(ar, self, sizeof(xcContourBase));
-    }
-};
-
-// The one scratch object that every version-0 record's base part is read into. Being one
-// object, it is visited (and so read) once per archive.
-xcContourBase& legacyBase() {
-    static xcContourBase base;
+// The one scratch object that every version-0 record's base part is read into.
+xn_contourDetail::LegacyBaseRecord& legacyBase() {
+    static xn_contourDetail::LegacyBaseRecord base(kContourSource, kBadLegacyBaseVersionLine);
     return base;
 }
 
 }  // namespace
+
+void xn_contourDetail::LegacyBaseRecord::dispatchSerialize(xcArchive& ar) {
+    dispatchPart(ar, this, 0, [&](unsigned char version) {
+        if (version != 0) throw xcArchive::UnknownVersion(source_, line_);
+        xcPersistent::dispatchSerialize(ar);
+    });
+}
 
 xcPersistent* xcContour::make() { return new xcContour(); }
 xc_Instantiator xcContour::sExemplar(typeid(xcContour), &xcContour::make);

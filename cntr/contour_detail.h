@@ -7,7 +7,9 @@
 #include <memory>
 
 #include <foundation/geometry.h>
+#include <foundation/handle.h>
 #include <foundation/numeric.h>
+#include <foundation/persistent.h>
 #include <foundation/random.h>
 
 namespace xn_contourDetail {
@@ -29,6 +31,20 @@ void forEachEdge(std::size_t n, bool closed, EdgeFunction edge) {
         for (std::size_t k = 0; k + 1 < n; ++k) edge(k, k, k + 1);
     }
 }
+
+/// The base part of shapes in version-0 archives: its own version byte (0) followed by the
+/// xcPersistent record. Kept only to read those records: each reader keeps one instance, which
+/// is visited (and so read) once per archive. A version byte other than 0 throws
+/// xcArchive::UnknownVersion(source, line).
+class LegacyBaseRecord : public virtual xcPersistent, public virtual xcRepBase {
+public:
+    LegacyBaseRecord(const char* source, long line) : source_(source), line_(line) {}
+    void dispatchSerialize(xcArchive& ar) override;
+
+private:
+    const char* source_;
+    long line_;
+};
 
 /// Whether two rectangles overlap; touching counts.
 inline bool rectsOverlap(const xcRect& a, const xcRect& b) {

@@ -9,7 +9,8 @@ void xcContour::convexHull(xcRegion& hull) const {
     if (!convexHullValid_) {
         std::vector<xcVector<2>> hullPoints;
         xfConvexHull(points_, hullPoints);
-        convexHull_ = xcPtrHandle_const<xcRegion>(new xcRegion(hullPoints, xcContourDefs::keepOutline));
+        convexHull_ =
+            xcPtrHandle_const<xcRegion>(new xcRegion(hullPoints, xcContourDefs::keepOutline));
         convexHullValid_ = true;
     }
     // Held during the assignment: when `hull` is this contour (a region asked for its own hull),

@@ -9,12 +9,14 @@ using namespace xn_regionDetail;
 // The count operations of the handles that hold regions (declared with the contour).
 template <>
 void xn_handle_detail::acquire<xcRegion>(const xcRegion* p) {
-    if (p) static_cast<const xcRepBase*>(p)->addRef();
+    if (p)
+        static_cast<const xcRepBase*>(p)->addRef();
 }
 
 template <>
 void xn_handle_detail::drop<xcRegion>(const xcRegion* p) {
-    if (p) static_cast<const xcRepBase*>(p)->release();
+    if (p)
+        static_cast<const xcRepBase*>(p)->release();
 }
 
 namespace {
@@ -28,10 +30,13 @@ bool holdsRegion(const xcRegion* start, const xcRegion* target) {
     while (!pending.empty()) {
         const xcRegion* r = pending.back();
         pending.pop_back();
-        if (r == target) return true;
-        if (!seen.insert(r).second) continue;
+        if (r == target)
+            return true;
+        if (!seen.insert(r).second)
+            continue;
         for (const xcPtrHandle_const<xcRegion>& h : r->holes())
-            if (h) pending.push_back(h.rep());
+            if (h)
+                pending.push_back(h.rep());
     }
     return false;
 }
@@ -40,7 +45,8 @@ template <class Handle>
 std::vector<const xcRegion*> referents(const std::vector<Handle>& handles) {
     std::vector<const xcRegion*> result;
     result.reserve(handles.size());
-    for (const Handle& h : handles) result.push_back(h.rep());
+    for (const Handle& h : handles)
+        result.push_back(h.rep());
     return result;
 }
 
@@ -75,7 +81,8 @@ xcRegion::xcRegion(const xcRegion& other) : xcPersistent(), xcRepBase(), xcConto
 }
 
 xcRegion& xcRegion::operator=(const xcRegion& other) {
-    if (&other == this) return *this;
+    if (&other == this)
+        return *this;
     xcContour::operator=(other);
     holes_ = other.holes_;
     centerOfMassWithHolesValid_ = other.centerOfMassWithHolesValid_;
@@ -106,10 +113,13 @@ void xcRegion::applyIntersectionMode(xcContourDefs::IntersectionMode mode) {
         regularize(*this);
 }
 
-bool xcRegion::isClosed() const { return true; }
+bool xcRegion::isClosed() const {
+    return true;
+}
 
 void xcRegion::isClosed(bool c) {
-    if (!c) throw xcContourDefs::RegionCannotBeSetOpen(std::wstring());
+    if (!c)
+        throw xcContourDefs::RegionCannotBeSetOpen(std::wstring());
 }
 
 void xcRegion::holes(const std::vector<xcPtrHandle<xcRegion>>& newHoles) {
@@ -131,23 +141,28 @@ void xcRegion::holes(const std::vector<xcPtrHandle_const<xcRegion>>& newHoles) {
 // without end.
 void xcRegion::checkHoles(const std::vector<const xcRegion*>& newHoles) {
     for (const xcRegion* hole : newHoles) {
-        if (!hole) throw xcContourDefs::BadParams(L"holes cannot be null");
+        if (!hole)
+            throw xcContourDefs::BadParams(L"holes cannot be null");
         if (!intersections(*hole, false).empty())
             throw xcContourDefs::BadParams(L"holes cannot intersect region");
-        if (holdsRegion(hole, this)) throw xcContourDefs::BadParams(L"holes cannot contain region");
+        if (holdsRegion(hole, this))
+            throw xcContourDefs::BadParams(L"holes cannot contain region");
     }
 }
 
 void xcRegion::map(const xcXform<2>& xform, xcRegion& out) const {
     std::vector<xcVector<2>> mapped;
     mapped.reserve(points().size());
-    for (const xcVector<2>& p : points()) mapped.push_back(xform * p);
+    for (const xcVector<2>& p : points())
+        mapped.push_back(xform * p);
     const unsigned long keptLabel = label();
     out = xcRegion(mapped, xcContourDefs::keepOutline);
     out.label(keptLabel);
 }
 
-bool xcRegion::operator==(const xcRegion& other) const { return xcContour::operator==(other); }
+bool xcRegion::operator==(const xcRegion& other) const {
+    return xcContour::operator==(other);
+}
 
 void xcRegion::draw(xcUITablet&, const xcColor&, const xcUITablet::Layers&) const {}
 
@@ -156,7 +171,8 @@ long xcRegion::closestVertexIndex(const xcVector<2>& point) const {
 }
 
 void xcRegion::checkEmptyContour() const {
-    if (points().size() < 3) throw xcContourDefs::EmptyContour(std::wstring());
+    if (points().size() < 3)
+        throw xcContourDefs::EmptyContour(std::wstring());
 }
 
 void xcRegion::cleanCacheInfo() {

@@ -25,10 +25,11 @@ class xcRegionSet;
 /// region that holds it, without telling their caches. Holes are checked against the outline
 /// when they are set (no crossing), but not against each other nor for lying inside it.
 ///
-/// Caches. Area, centre of mass and inertia (each with and without holes) and the regularised
-/// and outer-hull regions are computed on first demand, also by const members, and kept until
-/// cleanCacheInfo(), which every change of the outline or of the hole list calls. Copies and
-/// assignments carry every cache along; the regularised and outer-hull regions are then shared.
+/// Caches. Area and centre of mass (with and without holes), the outline's inertia and the
+/// regularised and outer-hull regions are computed on first demand, also by const members, and
+/// kept until cleanCacheInfo(), which every change of the outline or of the hole list calls.
+/// Copies and assignments carry every cache along; the regularised and outer-hull regions are
+/// then shared.
 ///
 /// The region's own measures need 3 outline vertices and throw xcContourDefs::EmptyContour
 /// otherwise; contour queries reached on a region keep the contour's limit of 2.
@@ -39,7 +40,7 @@ class xcRegionSet;
 ///
 /// Not thread-safe: even const queries write the caches.
 class CNTR_API xcRegion : public virtual xcContour {
-public:
+  public:
     /// An empty closed outline, no holes (what the archive's factory creates).
     xcRegion();
     /// The closed outline of `points` (label 0), then `mode` applied: keepOutline takes the
@@ -79,8 +80,10 @@ public:
     /// outline; the first that crosses it (intersections(hole outline, false) not empty) throws
     /// xcContourDefs::BadParams("holes cannot intersect region") and the old hole list stays.
     /// A hole touching the outline where no crossing is reported, or lying wholly outside it,
-    /// is accepted. Throws EmptyContour when the outline has fewer than 2 vertices and a hole
-    /// is given.
+    /// is accepted. A null handle throws BadParams("holes cannot be null") and a hole that
+    /// holds this region, directly or through its own holes, BadParams("holes cannot contain
+    /// region"): either would make later queries crash or recurse without end. Throws
+    /// EmptyContour when the outline has fewer than 2 vertices and a hole is given.
     void holes(const std::vector<xcPtrHandle<xcRegion>>& newHoles);
     /// As above, for const handles.
     void holes(const std::vector<xcPtrHandle_const<xcRegion>>& newHoles);
@@ -167,7 +170,7 @@ public:
     /// that touch are joined, leaving one outline. Cached separately.
     void outerHull(xcRegion& result) const;
 
-protected:
+  protected:
     /// Throws xcContourDefs::EmptyContour (empty message) when the outline has fewer than 3
     /// vertices. Hides the contour's check (limit 2) for the region's own measures; it is not
     /// virtual, so contour queries reached on a region keep the limit 2.
@@ -207,7 +210,7 @@ protected:
     };
     RegionCacheState regionCacheState() const;
 
-private:
+  private:
     friend class xcRegionSet;
 
     static xcPersistent* make();

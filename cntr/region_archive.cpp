@@ -1,6 +1,7 @@
 // Persistence of regions: the current record (version 1) and the legacy one (version 0).
 #include <cntr/region.h>
 
+#include <cntr/contour_detail.h>
 #include <foundation/archive.h>
 
 namespace {
@@ -10,28 +11,17 @@ constexpr const char* kRegionSource = "cntr/region";
 constexpr long kBadRegionVersionLine = 822;
 constexpr unsigned char kCurrentVersion = 1;
 
-// The base class of regions in version-0 archives: its own version byte (0) and the
-// xcPersistent record. Kept only to read those records.
-class xcContourBase2 : public virtual xcPersistent, public virtual xcRepBase {
-public:
-    void dispatchSerialize(xcArchive& ar) override {
-        dispatchPart(ar, this, 0, [&](unsigned char version) {
-            if (version != 0) throw xcArchive::UnknownVersion(kRegionSource, kBadRegionVersionLine);
-            xcPersistent::dispatchSerialize(ar);
-        });
-    }
-};
-
-// The one scratch object that every version-0 record's base part is read into. Being one
-// object, it is visited (and so read) once per archive.
-xcContourBase2& legacyBase() {
-    static xcContourBase2 base;
+// The one scratch object that every version-0 record's base part is read into.
+xn_contourDetail::LegacyBaseRecord& legacyBase() {
+    static xn_contourDetail::LegacyBaseRecord base(kRegionSource, kBadRegionVersionLine);
     return base;
 }
 
 }  // namespace
 
-xcPersistent* xcRegion::make() { return new xcRegion(); }
+xcPersistent* xcRegion::make() {
+    return new xcRegion();
+}
 xc_Instantiator xcRegion::sExemplar(typeid(xcRegion), &xcRegion::make);
 
 void xcRegion::dispatchSerialize(xcArchive& ar) {
@@ -54,7 +44,8 @@ void xcRegion::serialize_(xcArchive& ar, unsigned char version) {
         // A valid record holds regions only: a hole stored as another class loads as a null
         // handle, which no setter accepts and every query with holes would dereference.
         for (const xcPtrHandle_const<xcRegion>& hole : holes_)
-            if (!hole) throw xcArchive::BadData(L"region hole is not a region");
+            if (!hole)
+                throw xcArchive::BadData(L"region hole is not a region");
     }
 }
 

@@ -18,7 +18,8 @@ xcVector<2> rayDirection(const std::vector<xcRadian>& sortedAngles, double thres
     for (std::size_t i = 0; i < n; ++i) {
         const std::size_t j = i + 1 == n ? 0 : i + 1;
         const xcRadian gap = (sortedAngles[j] - sortedAngles[i]).norm();
-        if (gap.toDouble() > threshold) return xcVector<2>(1.0, sortedAngles[i] + gap / 2.0);
+        if (gap.toDouble() > threshold)
+            return xcVector<2>(1.0, sortedAngles[i] + gap / 2.0);
     }
     return xcVector<2>(1.0, 0.0);
 }
@@ -26,14 +27,16 @@ xcVector<2> rayDirection(const std::vector<xcRadian>& sortedAngles, double thres
 }  // namespace
 
 long xcRegion::insideCount(const xcVector<2>& point, bool bothWays) const {
-    if (!outlineOf(*this).encloseRect(xcXform<2>::I).within(point)) return 0;
+    if (!outlineOf(*this).encloseRect(xcXform<2>::I).within(point))
+        return 0;
     const std::vector<xcVector<2>>& p = points();
     // A NaN distance also counts as "on the vertex", so no NaN angle reaches the sort.
     std::vector<xcRadian> angles;
     angles.reserve(p.size());
     for (const xcVector<2>& vertex : p) {
         const xcVector<2> d = vertex - point;
-        if (!(d.length() > kOnVertexTolerance)) return 1;
+        if (!(d.length() > kOnVertexTolerance))
+            return 1;
         angles.push_back(d.angle().norm());
     }
     std::sort(angles.begin(), angles.end());
@@ -45,7 +48,8 @@ long xcRegion::insideCount(const xcVector<2>& point, bool bothWays) const {
         return static_cast<long>(self.intersections(xcLineSeg(point, end), false, false).size());
     };
     const long forward = crossings(point + reach * direction);
-    if (!bothWays) return forward;
+    if (!bothWays)
+        return forward;
     return std::min(forward, crossings(point - reach * direction));
 }
 
@@ -53,6 +57,7 @@ bool xcRegion::inside(const xcVector<2>& point, bool considerHoles) const {
     const bool inOutline = insideCount(point, false) % 2 == 1;
     if (inOutline && considerHoles)
         for (const xcPtrHandle_const<xcRegion>& hole : holes_)
-            if (hole->inside(point, true)) return false;
+            if (hole->inside(point, true))
+                return false;
     return inOutline;
 }

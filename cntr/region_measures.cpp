@@ -16,7 +16,8 @@ double xcRegion::area(bool considerHoles) const {
     }
     if (!areaWithHolesValid_) {
         double a = area(false);
-        for (const xcPtrHandle_const<xcRegion>& hole : holes_) a -= hole->area(false);
+        for (const xcPtrHandle_const<xcRegion>& hole : holes_)
+            a -= hole->area(false);
         areaWithHoles_ = a;
         areaWithHolesValid_ = true;
     }
@@ -34,7 +35,8 @@ xcVector<2> xcRegion::centerOfMass(bool considerHoles) {
     }
     // The with-holes slot is returned once the flag is set, but the centroid computed below is
     // never written into it: that is the defined behaviour of this cache.
-    if (centerOfMassWithHolesValid_) return centerOfMassWithHoles_;
+    if (centerOfMassWithHolesValid_)
+        return centerOfMassWithHoles_;
     double a = area(false);
     xcVector<2> s = a * centerOfMass(false);
     for (const xcPtrHandle_const<xcRegion>& hole : holes_) {

@@ -17,7 +17,8 @@ long xcRegion::closestVertexIndex(const xcVector<2>& point, bool considerHoles,
                                   long& holeIndex) const {
     holeIndex = -1;
     long best = xcContour::closestVertexIndex(point);
-    if (!considerHoles || holes_.empty()) return best;
+    if (!considerHoles || holes_.empty())
+        return best;
     double bestDistance = point.distance(points()[static_cast<std::size_t>(best)]);
     for (std::size_t h = 0; h < holes_.size(); ++h) {
         const xcRegion& hole = *holes_[h];
@@ -32,12 +33,12 @@ long xcRegion::closestVertexIndex(const xcVector<2>& point, bool considerHoles,
     return best;
 }
 
-xcVector<2> xcRegion::closestPoint(const xcVector<2>& point, bool vertexOnly,
-                                   bool considerHoles) {
+xcVector<2> xcRegion::closestPoint(const xcVector<2>& point, bool vertexOnly, bool considerHoles) {
     if (vertexOnly) {
         long holeIndex = -1;
         const long k = closestVertexIndex(point, considerHoles, holeIndex);
-        const xcRegion& owner = holeIndex < 0 ? *this : *holes_[static_cast<std::size_t>(holeIndex)];
+        const xcRegion& owner =
+            holeIndex < 0 ? *this : *holes_[static_cast<std::size_t>(holeIndex)];
         return owner.points()[static_cast<std::size_t>(k)];
     }
     // The holes take part whatever considerHoles says: the flag acts only with vertexOnly.
@@ -56,7 +57,8 @@ xcVector<2> xcRegion::closestPoint(const xcVector<2>& point, bool vertexOnly,
 
 double xcRegion::distToPoint(const xcVector<2>& point, bool vertexOnly, bool considerHoles,
                              bool zeroInside) const {
-    if (zeroInside && inside(point, considerHoles)) return 0.0;
+    if (zeroInside && inside(point, considerHoles))
+        return 0.0;
     return point.distance(cacheFilling(*this).closestPoint(point, vertexOnly, considerHoles));
 }
 

@@ -3,9 +3,13 @@
 // silently do nothing.
 #include <cntr/region.h>
 
-void xcRegion::regularize(xcRegion&) const { throw xcContourDefs::BadParams(L"invalid contour"); }
+void xcRegion::regularize(xcRegion&) const {
+    throw xcContourDefs::BadParams(L"invalid contour");
+}
 
-void xcRegion::outerHull(xcRegion&) const { throw xcContourDefs::BadParams(L"invalid contour"); }
+void xcRegion::outerHull(xcRegion&) const {
+    throw xcContourDefs::BadParams(L"invalid contour");
+}
 
 void xcRegion::outerHullRegularize(xcRegion&, bool) const {
     throw xcContourDefs::BadParams(L"invalid contour");

@@ -15,7 +15,7 @@ namespace {
 
 // A region whose caches the benchmark can drop in O(1).
 class BenchRegion : public xcRegion {
-public:
+  public:
     explicit BenchRegion(const std::vector<xcVector<2>>& p) : xcContour(p, true, 0), xcRegion(p) {}
     void dropCaches() { cleanCacheInfo(); }
 };
@@ -49,7 +49,8 @@ std::vector<xcVector<2>> queryPoints() {
     std::mt19937 gen(7);
     std::uniform_real_distribution<double> coord(-1.0, 1.0);
     std::vector<xcVector<2>> q;
-    for (int i = 0; i < kInsidePoints; ++i) q.emplace_back(coord(gen), coord(gen));
+    for (int i = 0; i < kInsidePoints; ++i)
+        q.emplace_back(coord(gen), coord(gen));
     return q;
 }
 
@@ -67,19 +68,32 @@ template <class Measure>
 void cachedCall(benchmark::State& state, Measure measure) {
     BenchRegion r(blob(state.range(0)));
     measure(r);
-    for (auto _ : state) benchmark::DoNotOptimize(measure(r));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(measure(r));
 }
 
 const auto area = [](xcRegion& r) { return r.area(false); };
 const auto centroid = [](xcRegion& r) { return r.centerOfMass(false); };
 const auto inertia = [](xcRegion& r) { return r.inertiaMatrix(false); };
 
-void BM_Area_First(benchmark::State& s) { firstCall(s, area); }
-void BM_Area_Cached(benchmark::State& s) { cachedCall(s, area); }
-void BM_CenterOfMass_First(benchmark::State& s) { firstCall(s, centroid); }
-void BM_CenterOfMass_Cached(benchmark::State& s) { cachedCall(s, centroid); }
-void BM_InertiaMatrix_First(benchmark::State& s) { firstCall(s, inertia); }
-void BM_InertiaMatrix_Cached(benchmark::State& s) { cachedCall(s, inertia); }
+void BM_Area_First(benchmark::State& s) {
+    firstCall(s, area);
+}
+void BM_Area_Cached(benchmark::State& s) {
+    cachedCall(s, area);
+}
+void BM_CenterOfMass_First(benchmark::State& s) {
+    firstCall(s, centroid);
+}
+void BM_CenterOfMass_Cached(benchmark::State& s) {
+    cachedCall(s, centroid);
+}
+void BM_InertiaMatrix_First(benchmark::State& s) {
+    firstCall(s, inertia);
+}
+void BM_InertiaMatrix_Cached(benchmark::State& s) {
+    cachedCall(s, inertia);
+}
 
 // One iteration asks inside() for all 10,000 points; the edge cache and diameter are built by
 // the first point and reused (inside() itself caches nothing).
@@ -88,13 +102,18 @@ void inside10k(benchmark::State& state, const std::vector<xcVector<2>>& outline)
     const std::vector<xcVector<2>> q = queryPoints();
     long in = 0;
     for (auto _ : state)
-        for (const xcVector<2>& p : q) in += r.inside(p, true) ? 1 : 0;
+        for (const xcVector<2>& p : q)
+            in += r.inside(p, true) ? 1 : 0;
     benchmark::DoNotOptimize(in);
     state.SetItemsProcessed(state.iterations() * kInsidePoints);
 }
 
-void BM_Inside10k_Blob(benchmark::State& s) { inside10k(s, blob(s.range(0))); }
-void BM_Inside10k_Star(benchmark::State& s) { inside10k(s, star(s.range(0))); }
+void BM_Inside10k_Blob(benchmark::State& s) {
+    inside10k(s, blob(s.range(0)));
+}
+void BM_Inside10k_Star(benchmark::State& s) {
+    inside10k(s, star(s.range(0)));
+}
 
 }  // namespace
 

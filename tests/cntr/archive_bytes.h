@@ -1,5 +1,6 @@
 // Builds archive bytes by hand, following the documented wire format, so that tests can check
-// stored records byte by byte and feed hand-made (legacy or corrupt) records to the loader.
+// stored records byte by byte and feed hand-made (legacy or corrupt) records to the loader; and
+// the check of a refused record version.
 #ifndef CNTR_TESTS_ARCHIVE_BYTES_H
 #define CNTR_TESTS_ARCHIVE_BYTES_H
 
@@ -8,6 +9,9 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
+
+#include <foundation/archive.h>
 #include <foundation/vector.h>
 
 namespace testbytes {
@@ -62,6 +66,18 @@ inline void contourRecordV1(Bytes& b, std::uint32_t label, bool closed,
     u8(b, closed ? 1 : 0);
     pointVector(b, p);
     u32(b, static_cast<std::uint32_t>(cvs));
+}
+
+/// Expects `load` to throw xcArchive::UnknownVersion naming `source` and `line`.
+template <class Load>
+void expectUnknownVersion(Load load, const std::string& source, long line) {
+    try {
+        load();
+        ADD_FAILURE() << "no UnknownVersion";
+    } catch (const xcArchive::UnknownVersion& e) {
+        EXPECT_EQ(e.source(), source);
+        EXPECT_EQ(e.line(), line);
+    }
 }
 
 }  // namespace testbytes

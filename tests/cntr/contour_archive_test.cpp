@@ -13,6 +13,7 @@
 #include "contour_testing.h"
 
 using testbytes::Bytes;
+using testbytes::expectUnknownVersion;
 
 namespace {
 
@@ -58,17 +59,6 @@ Bytes contourArchiveV0(const Points& p, unsigned extraByte, std::int32_t cvs, bo
     testbytes::u32(b, static_cast<std::uint32_t>(cvs));
     testbytes::u8(b, closed ? 1 : 0);
     return b;
-}
-
-template <class Load>
-void expectUnknownVersion(Load load, const std::string& source, long line) {
-    try {
-        load();
-        ADD_FAILURE() << "no UnknownVersion";
-    } catch (const xcArchive::UnknownVersion& e) {
-        EXPECT_EQ(e.source(), source);
-        EXPECT_EQ(e.line(), line);
-    }
 }
 
 }  // namespace

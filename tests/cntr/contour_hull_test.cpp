@@ -12,10 +12,14 @@
 namespace {
 
 // The L-shape whose inner corner (1,1) is not on its hull.
-Points lShape() { return {{0, 0}, {2, 0}, {2, 1}, {1, 1}, {1, 2}, {0, 2}}; }
+Points lShape() {
+    return {{0, 0}, {2, 0}, {2, 1}, {1, 1}, {1, 2}, {0, 2}};
+}
 
 // Its hull in the foundation's order: counter-clockwise from the smallest x (then y).
-Points lShapeHull() { return {{0, 0}, {2, 0}, {2, 1}, {1, 2}, {0, 2}}; }
+Points lShapeHull() {
+    return {{0, 0}, {2, 0}, {2, 1}, {1, 2}, {0, 2}};
+}
 
 // 12 points on the ellipse with centre (1, 2), semi-axes 3 along x and 1 along y.
 Points ellipsePoints() {

@@ -9,13 +9,14 @@
 #include "region_testing.h"
 
 using testbytes::Bytes;
+using testbytes::expectUnknownVersion;
 
 namespace {
 
 // A probe that the archive can create by name, so that reloaded regions can be inspected, and
 // that exposes the record of its region part.
 class StoredRegion : public RegionProbe {
-public:
+  public:
     StoredRegion() = default;
     explicit StoredRegion(const Points& p) : xcContour(p, true, 0), RegionProbe(p) {}
     using xcRegion::dispatchSerialize;
@@ -26,14 +27,16 @@ const xc_Instantiator storedRegionExemplar(typeid(StoredRegion), &StoredRegion::
 
 Bytes storeRegions(const std::vector<RegionHandle>& handles) {
     xcMemoryArchive out;
-    for (RegionHandle h : handles) out || h;
+    for (RegionHandle h : handles)
+        out || h;
     return out.bytes();
 }
 
 std::vector<RegionHandle> loadRegions(const Bytes& bytes, std::size_t count) {
     xcMemoryArchive in(bytes);
     std::vector<RegionHandle> result(count);
-    for (RegionHandle& h : result) in || h;
+    for (RegionHandle& h : result)
+        in || h;
     return result;
 }
 
@@ -58,17 +61,6 @@ void regionRecordV0(Bytes& b, const Points& p, std::int32_t cvs, bool withBase =
     testbytes::pointVector(b, p);
     testbytes::u8(b, 0x5A);
     testbytes::u32(b, static_cast<std::uint32_t>(cvs));
-}
-
-template <class Load>
-void expectUnknownVersion(Load load, const std::string& source, long line) {
-    try {
-        load();
-        ADD_FAILURE() << "no UnknownVersion";
-    } catch (const xcArchive::UnknownVersion& e) {
-        EXPECT_EQ(e.source(), source);
-        EXPECT_EQ(e.line(), line);
-    }
 }
 
 }  // namespace

@@ -12,7 +12,9 @@
 namespace {
 
 // The L-shape (0,0), (2,0), (2,1), (1,1), (1,2), (0,2): the unit square (1,1)-(2,2) is cut out.
-Points lShape() { return {{0, 0}, {2, 0}, {2, 1}, {1, 1}, {1, 2}, {0, 2}}; }
+Points lShape() {
+    return {{0, 0}, {2, 0}, {2, 1}, {1, 1}, {1, 2}, {0, 2}};
+}
 
 // ---- an independent containment check for the random comparison ----
 
@@ -25,7 +27,8 @@ bool evenOddInside(const Points& p, const xcVector<2>& q) {
         const xcVector<2>& b = p[j];
         if ((a.y() > q.y()) != (b.y() > q.y())) {
             const double x = a.x() + (q.y() - a.y()) * (b.x() - a.x()) / (b.y() - a.y());
-            if (q.x() < x) in = !in;
+            if (q.x() < x)
+                in = !in;
         }
     }
     return in;
@@ -43,7 +46,8 @@ double segmentDistance(const xcVector<2>& a, const xcVector<2>& b, const xcVecto
 
 double boundaryDistance(const Points& p, const xcVector<2>& q) {
     double d = std::numeric_limits<double>::infinity();
-    for (std::size_t i = 0; i < p.size(); ++i) d = std::min(d, segmentDistance(p[i], p[(i + 1) % p.size()], q));
+    for (std::size_t i = 0; i < p.size(); ++i)
+        d = std::min(d, segmentDistance(p[i], p[(i + 1) % p.size()], q));
     return d;
 }
 
@@ -58,8 +62,10 @@ bool segmentsMeet(const xcVector<2>& a, const xcVector<2>& b, const xcVector<2>&
         return std::min(o.x(), u.x()) <= v.x() && v.x() <= std::max(o.x(), u.x()) &&
                std::min(o.y(), u.y()) <= v.y() && v.y() <= std::max(o.y(), u.y());
     };
-    const int o1 = orient(a, b, c), o2 = orient(a, b, d), o3 = orient(c, d, a), o4 = orient(c, d, b);
-    if (o1 != o2 && o3 != o4) return true;
+    const int o1 = orient(a, b, c), o2 = orient(a, b, d), o3 = orient(c, d, a),
+              o4 = orient(c, d, b);
+    if (o1 != o2 && o3 != o4)
+        return true;
     return (o1 == 0 && onSegment(a, b, c)) || (o2 == 0 && onSegment(a, b, d)) ||
            (o3 == 0 && onSegment(c, d, a)) || (o4 == 0 && onSegment(c, d, b));
 }
@@ -69,8 +75,10 @@ bool selfCrossing(const Points& p) {
     const std::size_t n = p.size();
     for (std::size_t i = 0; i < n; ++i)
         for (std::size_t j = i + 1; j < n; ++j) {
-            if (j == i + 1 || (i == 0 && j == n - 1)) continue;
-            if (segmentsMeet(p[i], p[(i + 1) % n], p[j], p[(j + 1) % n])) return true;
+            if (j == i + 1 || (i == 0 && j == n - 1))
+                continue;
+            if (segmentsMeet(p[i], p[(i + 1) % n], p[j], p[(j + 1) % n]))
+                return true;
         }
     return false;
 }
@@ -80,7 +88,8 @@ Points randomStarPolygon(std::mt19937& gen, int n) {
     std::uniform_real_distribution<double> angle(0.0, 2.0 * xcPi);
     std::uniform_real_distribution<double> radius(5.0, 45.0);
     std::vector<double> angles(static_cast<std::size_t>(n));
-    for (double& a : angles) a = angle(gen);
+    for (double& a : angles)
+        a = angle(gen);
     std::sort(angles.begin(), angles.end());
     Points p;
     for (double a : angles) {
@@ -95,19 +104,23 @@ Points randomStarPolygon(std::mt19937& gen, int n) {
 Points randomUntangledPolygon(std::mt19937& gen, int n) {
     std::uniform_real_distribution<double> coord(0.0, 100.0);
     Points p;
-    for (int i = 0; i < n; ++i) p.emplace_back(coord(gen), coord(gen));
+    for (int i = 0; i < n; ++i)
+        p.emplace_back(coord(gen), coord(gen));
     const std::size_t m = p.size();
     for (int pass = 0; pass < 10000; ++pass) {
         bool moved = false;
         for (std::size_t i = 0; i + 2 < m && !moved; ++i)
             for (std::size_t j = i + 2; j < m && !moved; ++j) {
-                if (i == 0 && j == m - 1) continue;
+                if (i == 0 && j == m - 1)
+                    continue;
                 if (segmentsMeet(p[i], p[i + 1], p[j], p[(j + 1) % m])) {
-                    std::reverse(p.begin() + static_cast<long>(i) + 1, p.begin() + static_cast<long>(j) + 1);
+                    std::reverse(p.begin() + static_cast<long>(i) + 1,
+                                 p.begin() + static_cast<long>(j) + 1);
                     moved = true;
                 }
             }
-        if (!moved) break;
+        if (!moved)
+            break;
     }
     return p;
 }
@@ -255,7 +268,8 @@ TEST(RegionInside, IslandInsideHoleIsInside) {
 }
 
 TEST(RegionInside, HoleInIslandInHole) {
-    // Three levels below the outline: hole, island, and a hole in the island at (4.5,4.5)-(5.5,5.5).
+    // Three levels below the outline: hole, island, and a hole in the island at
+    // (4.5,4.5)-(5.5,5.5).
     const RegionHandle island = regionOf(square(4, 4, 2));
     island->holes(std::vector<RegionHandle>{regionOf(square(4.5, 4.5, 1))});
     const RegionHandle hole = regionOf(square(2, 2, 6));
@@ -298,7 +312,8 @@ TEST(RegionInside, CollinearOutline) {
 }
 
 TEST(RegionInside, RepeatedAndCollinearVerticesOfSquare) {
-    const xcRegion r(Points{{0, 0}, {0, 0}, {0.5, 0}, {1, 0}, {1, 0.5}, {1, 1}, {1, 1}, {0.5, 1}, {0, 1}, {0, 0.5}});
+    const xcRegion r(Points{
+        {0, 0}, {0, 0}, {0.5, 0}, {1, 0}, {1, 0.5}, {1, 1}, {1, 1}, {0.5, 1}, {0, 1}, {0, 0.5}});
     EXPECT_TRUE(r.inside(xcVector<2>(0.25, 0.5), false));
     EXPECT_TRUE(r.inside(xcVector<2>(0.5, 0.5), false));
     EXPECT_TRUE(r.inside(xcVector<2>(0.75, 0.2), false));
@@ -346,12 +361,14 @@ TEST(RegionInside, AgreesWithEvenOddTestOnRandomSimplePolygons) {
         const xcRegion region(p);
         for (int k = 0; k < kPointsPerPolygon; ++k) {
             const xcVector<2> q(coord(gen), coord(gen));
-            if (boundaryDistance(p, q) <= 1e-6) continue;
+            if (boundaryDistance(p, q) <= 1e-6)
+                continue;
             ++compared;
             if (region.inside(q, true) != evenOddInside(p, q)) {
                 ++disagreements;
                 ADD_FAILURE() << "trial " << trial << ", point (" << q.x() << ", " << q.y() << ")";
-                if (disagreements > 10) return;
+                if (disagreements > 10)
+                    return;
             }
         }
     }

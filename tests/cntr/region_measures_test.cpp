@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cntr/region.h>
+#include <foundation/exception.h>
 
 #include "region_testing.h"
 
@@ -273,6 +274,25 @@ TEST(RegionMeasures, NaNVertexGivesNaNArea) {
     EXPECT_TRUE(std::isnan(r.area(false)));
 }
 
+TEST(RegionMeasures, NaNVertexNeitherCrashesNorHangsInCentroidAndInertia) {
+    xcRegion r(Points{{0, 0}, {std::nan(""), 0}, {1, 1}, {0, 2}});
+    EXPECT_TRUE(std::isnan(r.centerOfMass(false).x()));
+    // The inertia is NaN, or refused as singular by the moment code; never a crash.
+    try {
+        EXPECT_TRUE(std::isnan(r.inertiaMatrix(false).element(0, 0)));
+    } catch (const xcMathError::Singular&) {
+    }
+}
+
+TEST(RegionMeasures, CollinearOutlineHasZeroCentroidAndZeroInertia) {
+    // The fan weights of collinear points sum to 0: the centroid is documented as (0, 0), not
+    // the mean of the points. A shape without area has no second moments of area (up to
+    // rounding).
+    xcRegion r(Points{{1, 1}, {2, 2}, {3, 3}});
+    EXPECT_EQ(r.centerOfMass(false), xcVector<2>(0, 0));
+    EXPECT_TRUE(xfRealEq(r.inertiaMatrix(false), xcMatrix<2>(), 1e-12));
+}
+
 TEST(RegionMeasures, RepeatedVerticesDoNotChangeArea) {
     xcRegion r(Points{{0, 0}, {0, 0}, {3, 0}, {3, 3}, {3, 3}, {0, 3}});
     EXPECT_DOUBLE_EQ(r.area(false), 9.0);
@@ -341,7 +361,8 @@ TEST(RegionMeasures, AreaWithHolesIsDifferenceOfParts) {
         // about (0, 0) without crossing: the hole's radius is at most 3, the outline's at least
         // 10.
         Points outer = randomStar(gen, xcVector<2>(0, 0), 8 + trial % 20);
-        for (xcVector<2>& v : outer) v = 10.0 * v;
+        for (xcVector<2>& v : outer)
+            v = 10.0 * v;
         const Points inner = randomStar(gen, xcVector<2>(0, 0), 3 + trial % 10);
         xcRegion r(outer);
         r.holes(std::vector<RegionHandle>{regionOf(inner)});

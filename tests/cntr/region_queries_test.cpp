@@ -13,7 +13,8 @@ namespace {
 xcRegion squareWithHoles(bool second = false) {
     xcRegion r(square(0, 0, 10));
     std::vector<RegionHandle> holes{regionOf(square(4, 4, 2))};
-    if (second) holes.push_back(regionOf(square(7, 1, 2)));
+    if (second)
+        holes.push_back(regionOf(square(7, 1, 2)));
     r.holes(holes);
     return r;
 }
@@ -153,7 +154,8 @@ TEST(RegionQueries, SegmentThroughTwoHolesInHoleOrder) {
     // The second hole lies before the first along the segment; hole order wins.
     r.holes(std::vector<RegionHandle>{regionOf(square(6, 4, 2)), regionOf(square(2, 4, 2))});
     const Points expected{{0, 5}, {10, 5}, {6, 5}, {8, 5}, {2, 5}, {4, 5}};
-    EXPECT_EQ(r.intersections(xcLineSeg(xcVector<2>(-1, 5), xcVector<2>(11, 5)), true, true), expected);
+    EXPECT_EQ(r.intersections(xcLineSeg(xcVector<2>(-1, 5), xcVector<2>(11, 5)), true, true),
+              expected);
 }
 
 TEST(RegionQueries, ContourThroughOutlineAndHole) {
@@ -166,7 +168,8 @@ TEST(RegionQueries, ContourThroughOutlineAndHole) {
 TEST(RegionQueries, DuplicatesAreKept) {
     xcRegion r(square(0, 0, 10));
     // A segment through the corner (10, 10) meets both edges there.
-    const Points found = r.intersections(xcLineSeg(xcVector<2>(5, 15), xcVector<2>(15, 5)), true, false);
+    const Points found =
+        r.intersections(xcLineSeg(xcVector<2>(5, 15), xcVector<2>(15, 5)), true, false);
     ASSERT_EQ(found.size(), 2u);
     EXPECT_TRUE(xfRealEq(found[0], xcVector<2>(10, 10), 1e-12));
     EXPECT_TRUE(xfRealEq(found[1], xcVector<2>(10, 10), 1e-12));
@@ -181,7 +184,8 @@ TEST(RegionQueries, EmptyRegionThrowsEmptyContour) {
     expectEmptyContour([&] { r.closestPoint(xcVector<2>(0, 0), false, true); });
     expectEmptyContour([&] { r.closestPoint(xcVector<2>(0, 0), true, true); });
     expectEmptyContour([&] { r.distToPoint(xcVector<2>(0, 0), false, true, true); });
-    expectEmptyContour([&] { r.intersections(xcLineSeg(xcVector<2>(0, 0), xcVector<2>(1, 1)), true, true); });
+    expectEmptyContour(
+        [&] { r.intersections(xcLineSeg(xcVector<2>(0, 0), xcVector<2>(1, 1)), true, true); });
     expectEmptyContour([&] { r.intersections(xcContour(unitSquare(), true), true); });
 }
 

@@ -17,7 +17,7 @@
 /// reset. It constructs the virtual contour base itself, as every class deriving from a region
 /// must.
 class RegionProbe : public xcRegion {
-public:
+  public:
     RegionProbe() = default;
     explicit RegionProbe(const Points& p) : xcContour(p, true, 0), xcRegion(p) {}
     RegionProbe(const RegionProbe& o) : xcPersistent(), xcRepBase(), xcContour(), xcRegion(o) {}
@@ -37,7 +37,7 @@ public:
 
     int cleanCalls = 0;
 
-protected:
+  protected:
     void cleanCacheInfo() override {
         ++cleanCalls;
         xcRegion::cleanCacheInfo();
@@ -63,7 +63,9 @@ inline Points clockwiseSquare(double x, double y, double side) {
 }
 
 /// A new region of `p` (mode keepOutline) held by a handle.
-inline RegionHandle regionOf(const Points& p) { return RegionHandle(new xcRegion(p)); }
+inline RegionHandle regionOf(const Points& p) {
+    return RegionHandle(new xcRegion(p));
+}
 
 /// Expects `call` to throw `E` with the given error number and message.
 template <class E, class Call>
