@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include <cntr/version.h>
+#include <cntrtmpl/contourt.h>
 #include <foundation/foundation.h>
 
 int main() {
@@ -15,6 +16,10 @@ int main() {
     } catch (const xcException& e) {  // thrown inside the library, caught here
         ok = ok && e.errorNumber() == xnErrorNumber::MathSingular;
     }
+    // An edgelet contour, instantiated inside the installed library: identity transform, so its
+    // vertex is the edgelet's position.
+    const xcContourT<xcEdgelet> edgelets({xcEdgelet(xcVector<2>(2.0, 3.0), 9, xcAngle8(64))});
+    ok = ok && edgelets.points().size() == 1 && edgelets.points()[0] == xcVector<2>(2.0, 3.0);
     std::printf("%s\n", ok ? "consumer ok" : "consumer FAILED");
     return ok ? 0 : 1;
 }
