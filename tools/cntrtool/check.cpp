@@ -101,7 +101,8 @@ class Checker {
                 continue;
             if (crosses(region, *holes[k])) {
                 ++crossings;
-                add("hole-crosses-outline", name + " crosses the outline of " + partName(where));
+                add("hole-crosses-outline",
+                    name + " crosses the outline" + (where.empty() ? "" : " of " + where));
             } else if (outside(*holes[k], region)) {
                 add("hole-outside", name + " lies outside " + partName(where));
             }

@@ -50,7 +50,9 @@ const std::vector<CommandInfo>& commands() {
         {"pack", Command::pack, {}, true,
          "usage: cntrtool pack FILE -o OUT.xca\n"
          "\n"
-         "Stores every shape of FILE in the library's binary archive format.\n"},
+         "Stores every shape of FILE in the library's binary archive format. Holes the library\n"
+         "refused (they cross their outline) cannot be stored: they are left out with a\n"
+         "warning and the exit status is 1.\n"},
         {"unpack", Command::unpack, {}, true,
          "usage: cntrtool unpack FILE.xca -o OUT.json\n"
          "\n"

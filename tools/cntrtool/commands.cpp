@@ -79,12 +79,15 @@ int repairCommand(const Context& c) {
         progress.step();
     }
     progress.finish();
-    writeFileAtomically(c.options.output, contentInFormat(c.file, shapes, changed));
+    std::vector<std::string> lost;
+    writeFileAtomically(c.options.output, contentInFormat(c.file, shapes, changed, lost));
+    for (const std::string& l : lost)
+        c.warn(l);
     c.out << "repaired " << repairedCount << " of " << shapes.size() << " shapes";
     if (failedCount > 0)
         c.out << ", " << failedCount << " could not be repaired";
     c.out << "; wrote " << c.options.output << '\n';
-    return failedCount > 0 ? kExitProblems : kExitOk;
+    return failedCount > 0 || !lost.empty() ? kExitProblems : kExitOk;
 }
 
 int renderCommand(const Context& c) {
@@ -111,9 +114,12 @@ int renderCommand(const Context& c) {
 }
 
 int packCommand(const Context& c) {
-    writeFileAtomically(c.options.output, archiveContent(c.file.path, c.file.shapes));
+    std::vector<std::string> lost;
+    writeFileAtomically(c.options.output, archiveContent(c.file.path, c.file.shapes, lost));
+    for (const std::string& l : lost)
+        c.warn(l);
     c.out << "packed " << c.file.shapes.size() << " shapes; wrote " << c.options.output << '\n';
-    return kExitOk;
+    return lost.empty() ? kExitOk : kExitProblems;
 }
 
 int unpackCommand(const Context& c) {

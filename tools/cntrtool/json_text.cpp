@@ -88,10 +88,28 @@ bool printsInline(const Json& j) {
     return true;
 }
 
+// One line: arrays with ", " between their elements, scalars in their shortest exact form.
+void printInline(const Json& j, std::string& out) {
+    if (!j.is_array()) {
+        out += j.dump(-1, ' ', false, nlohmann::detail::error_handler_t::replace);
+        return;
+    }
+    out += '[';
+    for (std::size_t k = 0; k < j.size(); ++k) {
+        if (k > 0)
+            out += ", ";
+        printInline(j[k], out);
+    }
+    out += ']';
+}
+
 void printJson(const Json& j, int indent, std::string& out) {
     const std::string pad(static_cast<std::size_t>(indent + 2), ' ');
     if (printsInline(j) || j.empty()) {
-        out += j.dump(-1, ' ', false, nlohmann::detail::error_handler_t::replace);
+        if (j.is_object())
+            out += "{}";
+        else
+            printInline(j, out);
         return;
     }
     const bool object = j.is_object();

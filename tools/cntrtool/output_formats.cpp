@@ -130,13 +130,14 @@ Json toolDocument(const std::vector<Shape>& shapes) {
     return Json{{"version", 1}, {"shapes", list}};
 }
 
-std::string archiveContent(const std::string& path, const std::vector<Shape>& shapes) {
+std::string archiveContent(const std::string& path, const std::vector<Shape>& shapes,
+                           std::vector<std::string>& lost) {
     xcMemoryArchive archive;
     for (const Shape& s : shapes) {
         const std::string where = "shape " + std::to_string(s.index);
         if (!s.refused.empty())
-            throw InputError(path, where + ": holes that cross their outline cannot be stored "
-                                           "in an archive (the library refuses them)");
+            lost.push_back(where + ": holes the library refused (" + s.refused.front().reason +
+                           ") are left out of the archive");
         try {
             xcPtrHandle<xcContour> contour = s.contour;
             xcPtrHandle<xcRegion> region = s.region;
@@ -161,9 +162,9 @@ std::string archiveContent(const std::string& path, const std::vector<Shape>& sh
 }
 
 std::string contentInFormat(const ShapeFile& input, const std::vector<Shape>& shapes,
-                            const std::vector<bool>& changed) {
+                            const std::vector<bool>& changed, std::vector<std::string>& lost) {
     if (input.format == FileFormat::archive)
-        return archiveContent(input.path, shapes);
+        return archiveContent(input.path, shapes, lost);
     Json document = input.document;
     for (std::size_t i = 0; i < shapes.size(); ++i) {
         if (!changed[i])

@@ -17,15 +17,18 @@ Json shapeToJson(const Shape& shape);
 /// {"version": 1, "shapes": [...]}.
 Json toolDocument(const std::vector<Shape>& shapes);
 
-/// The archive of the shapes: each shape's handle record, in order. Throws InputError naming
-/// `path` for a shape the archive cannot hold (holes the library refused).
-std::string archiveContent(const std::string& path, const std::vector<Shape>& shapes);
+/// The archive of the shapes: each shape's handle record, in order, as the library holds the
+/// shape. Holes the library refused cannot be stored: each shape that had some is named in
+/// `lost`. Throws InputError naming `path` for a shape the archive cannot store.
+std::string archiveContent(const std::string& path, const std::vector<Shape>& shapes,
+                           std::vector<std::string>& lost);
 
 /// The content of a file in `input`'s format holding `shapes`, which stand one for one for the
 /// input's shapes. For JSON inputs the input's document is kept and only the shapes marked in
-/// `changed` are replaced (a COCO annotation's "segmentation", nothing else of it).
+/// `changed` are replaced (a COCO annotation's "segmentation", nothing else of it). `lost` as
+/// for archiveContent.
 std::string contentInFormat(const ShapeFile& input, const std::vector<Shape>& shapes,
-                            const std::vector<bool>& changed);
+                            const std::vector<bool>& changed, std::vector<std::string>& lost);
 
 }  // namespace cntrtool
 
