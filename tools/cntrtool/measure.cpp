@@ -15,13 +15,26 @@ namespace {
 
 constexpr double kDegreesPerRadian = 180.0 / 3.14159265358979323846;
 
+// The reason of a refusal: the exception's message, or what its class says when it has none.
+std::string reasonOf(const std::exception& e) {
+    if (dynamic_cast<const xcContourDefs::EmptyContour*>(&e) != nullptr)
+        return "too few vertices";
+    if (dynamic_cast<const xcContourDefs::EmptyRegionSet*>(&e) != nullptr)
+        return "the set holds no regions";
+    if (const auto* x = dynamic_cast<const xcException*>(&e)) {
+        const std::string message = xfToUtf8(x->message());
+        return message.empty() ? e.what() : message;
+    }
+    return e.what();
+}
+
 // Runs one measure; a refusal of the library empties the field and is recorded.
 template <class F>
 auto attempt(Measures& m, const char* field, F&& compute) -> std::optional<decltype(compute())> {
     try {
         return compute();
     } catch (const std::exception& e) {
-        m.failures.push_back(MeasureFailure{field, e.what()});
+        m.failures.push_back(MeasureFailure{field, reasonOf(e)});
     }
     return std::nullopt;
 }
