@@ -161,13 +161,41 @@ class CNTR_API xcRegion : public virtual xcContour {
 
     // ---- regularisation ----
 
-    /// Sets `result` to this region when its outline does not cross itself (holes kept);
-    /// otherwise to the region of the outline's outer boundary walk, without holes, computed
-    /// once and cached (shared by copies). `result` may be this region. Throws EmptyContour
-    /// for fewer than 3 vertices and BadParams("invalid contour") when no start edge is found.
+    /// Sets `result` to this region when its outline does not cross itself (isSelfIntersecting()
+    /// false; holes kept). Otherwise sets it to the region (mode keepOutline, no holes) of the
+    /// points reached by a walk along the outline, computed once and cached until the next
+    /// change (copies share the cached region). `result` may be this region.
+    ///
+    /// The walk starts at vertex s, where edge s -> s+1 is the first edge (the closing edge never
+    /// is) that a short probe across its midpoint, medianFeatureSize() / 100 to each side, meets
+    /// alone, that meets nothing but its two neighbours, and that has an end of the probe outside
+    /// (insideCount of the probe end, both ways, is 0); a zero-length edge has no sides and is
+    /// passed over. It goes along the edges; where another edge crosses its way it stops at the
+    /// nearest crossing, turns onto that edge and reverses its direction of travel; it ends when
+    /// it stands on vertex s again, exactly. The rule follows the outer boundary of figure-eight
+    /// shapes; where the crossing strands run the same way round (a star drawn with crossing
+    /// edges) it closes an inner loop instead, and that loop is the result.
+    ///
+    /// The walk is bounded: with n vertices it may take 4 n + 64 passes, and once it outlasts
+    /// that, 4 (n + h) + 64 passes, h being the number of crossings reported when each edge is
+    /// queried against the outline (end touches excluded), at most n (n - 1). A walk that comes
+    /// back to its start needs at most 2 (n + h) (one pass per state: point, edge, direction); a
+    /// longer one would never end, for example when a vertex lies on another edge and the walk
+    /// circles there.
+    ///
+    /// Throws xcContourDefs::BadParams("invalid contour") when no edge qualifies as start or the
+    /// walk exceeds its bound; the cache then stays invalid and `result` unchanged.
     void regularize(xcRegion& result) const;
-    /// As regularize, but the walk is further cut into loops, inner loops are dropped and loops
-    /// that touch are joined, leaving one outline. Cached separately.
+    /// As regularize, with its own cache, but the walk is reduced to one outline: it is cut at
+    /// each point that vertexIndex (tolerance 1e-6) finds twice, into loops (the first repeat
+    /// found is cut first, the loop after it goes to the end of the list); every loop whose
+    /// vertices 0 and 1 have their midpoint inside() another loop is dropped (the last loop
+    /// taking its place); then pairs of loops sharing a vertex are joined at the first shared
+    /// vertex found, one whole turn of each. When more than one loop is left,
+    /// xstd_assert_("cntr/region", 621) reports it and the first loop is the result.
+    /// Throws BadParams("invalid contour") as regularize, and EmptyContour when a cut leaves a
+    /// loop of one vertex, as when the walk reaches the same point twice in a row (a repeated
+    /// vertex on the walked boundary).
     void outerHull(xcRegion& result) const;
 
   protected:
@@ -212,6 +240,8 @@ class CNTR_API xcRegion : public virtual xcContour {
 
   private:
     friend class xcRegionSet;
+    // Gives the unit tests access to the private splice and walk engine.
+    friend struct xcRegionTestAccess;
 
     static xcPersistent* make();
     static xc_Instantiator sExemplar;
@@ -222,10 +252,18 @@ class CNTR_API xcRegion : public virtual xcContour {
     /// and the opposite one (the first on a tie). 0 outside the bounding rectangle, 1 within
     /// 1e-6 of a vertex. Holes take no part.
     long insideCount(const xcVector<2>& point, bool bothWays) const;
-    /// The walk engine of regularize (`full` false) and outerHull (`full` true).
+    /// The walk engine of regularize (`full` false) and outerHull (`full` true), uncached: it
+    /// assigns the walk's (or the outer loop's) region to `result`. Throws EmptyContour for
+    /// fewer than 3 vertices, and what regularize and outerHull describe.
     void outerHullRegularize(xcRegion& result, bool full) const;
-    /// Joins this outline and `other`'s at their first crossing into one outline (no holes).
-    /// Throws BadParams("spliced regions do not intersect") when they do not cross.
+    /// Joins this outline and `other`'s at their first crossing X into one outline, assigned to
+    /// `result` (mode keepOutline, no holes): the first non-degenerate edge i of this outline
+    /// (edge order) that meets `other`'s outline, end touches included, gives X and the first
+    /// edge e of `other` it lies on; the outline is X, vertices i, i+1, ... of this outline (one
+    /// turn), X, vertices e, e+1, ... of the other (one turn). The vertices are the end points
+    /// of the stored edge segments, so a zero-length edge contributes (0, 0). Throws
+    /// BadParams("spliced regions do not intersect") when no edge meets `other`, and
+    /// EmptyContour when `other` has fewer than 2 vertices.
     void splice(const xcRegion& other, xcRegion& result) const;
 
     void applyIntersectionMode(xcContourDefs::IntersectionMode mode);

@@ -1,20 +1,188 @@
-// Temporary bodies of the regularisation operations: replaced by the regularize engine.
-// Until then every call refuses the outline, so the constructor modes that ask for these never
-// silently do nothing.
+// Regularisation and outer hull of a region whose outline crosses itself: the cached entry
+// points, the search for a start edge on the outside and the walk along the outer boundary.
+#include <functional>
+#include <utility>
+
 #include <cntr/region.h>
+#include <cntr/region_detail.h>
+#include <cntr/region_walk.h>
 
-void xcRegion::regularize(xcRegion&) const {
+using namespace xn_regionDetail;
+
+namespace {
+
+using Points = std::vector<xcVector<2>>;
+
+// The probe that looks for an outside side of an edge is set off from the edge's midpoint, on
+// both sides, by the median edge length divided by this.
+constexpr double kProbeOffsetDivisor = 100.0;
+
+// The walk's pass limit is kPassesPerState times its number of states plus kPassSlack (see
+// WalkLimit).
+constexpr std::size_t kPassesPerState = 2;
+constexpr std::size_t kPassSlack = 64;
+
+// Sets `result` to `region` itself when its outline does not cross itself; otherwise to the
+// region that `cache` holds, computing it into a new region first with `compute` when `valid`
+// is clear. The local handle keeps the cached region alive while `result` is assigned, since
+// `result` may be `region`, which owns `cache`.
+template <class Compute>
+void assignSelfOrCached(const xcRegion& region, bool& valid, xcPtrHandle<xcRegion>& cache,
+                        xcRegion& result, Compute compute) {
+    if (!region.isSelfIntersecting()) {
+        result = region;
+        return;
+    }
+    if (!valid) {
+        cache = xcPtrHandle<xcRegion>(new xcRegion);
+        compute(*cache);
+        valid = true;
+    }
+    const xcPtrHandle<xcRegion> keep = cache;
+    result = *keep;
+}
+
+// The first edge p[i] -> p[i+1] (the closing edge never starts the walk) that lies on the
+// outer boundary: a short probe across its midpoint meets this edge alone
+// (crossings(a, b) == 1), the edge meets nothing but its two neighbours at its ends
+// (crossings == 2), and one end of the probe lies outside. `crossings(a, b)` counts the
+// outline's points on the segment a -> b, end touches included. An edge of zero length has no
+// sides and is passed over.
+template <class Crossings, class Outside>
+std::size_t startEdge(const Points& p, double offset, Crossings crossings, Outside outside) {
+    for (std::size_t i = 0; i + 1 < p.size(); ++i) {
+        const xcVector<2> d = p[i] - p[i + 1];
+        if (d == xcVector<2>())
+            continue;
+        const xcVector<2> u = xcLine(xcVector<2>(), d).direction();
+        const xcVector<2> normal(-u.y(), u.x());
+        const xcVector<2> m = (p[i] + p[i + 1]) / 2.0;
+        const xcVector<2> a = m + offset * normal;
+        const xcVector<2> b = m - offset * normal;
+        if (crossings(a, b) == 1 && crossings(p[i], p[i + 1]) == 2 && (outside(a) || outside(b)))
+            return i;
+    }
+    throwInvalidContour();
+}
+
+// The bound on the walk's passes. After each pass the walk is in a state: its point (a vertex,
+// or a crossing where it changed edges), its edge and its direction. An outline of n vertices
+// with h crossings, each counted on both edges it lies on, has at most 2 states per vertex and
+// 4 per crossing, 2 (n + h) in all. A walk that gets back to its start repeats no state, so the
+// limit of kPassesPerState * 2 (n + h) + kPassSlack passes leaves room to spare; a walk beyond
+// it would never end. Counting h costs one segment query per edge, so it is counted only when
+// a walk outlasts the limit for h = 0.
+class WalkLimit {
+  public:
+    WalkLimit(std::size_t vertexCount, std::function<std::size_t()> countCrossings)
+        : vertexCount_(vertexCount),
+          countCrossings_(std::move(countCrossings)),
+          limit_(limitFor(0)) {}
+
+    // Counts one pass; throws BadParams("invalid contour") when the limit is exceeded.
+    void countPass() {
+        if (++passes_ <= limit_)
+            return;
+        if (!crossingsCounted_) {
+            crossingsCounted_ = true;
+            limit_ = limitFor(countCrossings_());
+            if (passes_ <= limit_)
+                return;
+        }
+        throwInvalidContour();
+    }
+
+  private:
+    std::size_t limitFor(std::size_t crossings) const {
+        return kPassesPerState * 2 * (vertexCount_ + crossings) + kPassSlack;
+    }
+
+    std::size_t vertexCount_;
+    std::function<std::size_t()> countCrossings_;
+    std::size_t limit_;
+    std::size_t passes_ = 0;
+    bool crossingsCounted_ = false;
+};
+
+// Walks the outline from p[s] along edge s + 1 (from p[s] to p[s+1]), edge k running from
+// p[k-1] to p[k]. Each pass goes towards the end of the current edge in the walk's direction;
+// when another edge crosses the way first, the walk stops at the nearest crossing, turns onto
+// that edge and reverses its direction. The walk ends when it stands on p[s] again, exactly.
+// `edgeHits(seg, edges)` is the outline's edge-reporting segment query without end touches,
+// so the edges through the walk's own point are never reported. Returns the points reached,
+// p[s] last.
+template <class EdgeHits>
+Points walkBoundary(const Points& p, std::size_t s, EdgeHits edgeHits, WalkLimit& limit) {
+    const long n = static_cast<long>(p.size());
+    const auto wrap = [n](long k) { return k < 0 ? k + n : (k >= n ? k - n : k); };
+    const auto vertex = [&p](long k) { return p[static_cast<std::size_t>(k)]; };
+    const xcVector<2> start = p[s];
+    xcVector<2> current = start;
+    long edge = static_cast<long>(s) + 1;
+    bool forward = true;
+    Points walk;
+    std::vector<int> edges;
+    do {
+        limit.countPass();
+        const xcVector<2> target = forward ? vertex(edge) : vertex(wrap(edge - 1));
+        const Points hits = edgeHits(xcLineSeg(current, target), edges);
+        if (hits.empty()) {
+            current = target;
+            edge = wrap(forward ? edge + 1 : edge - 1);
+        } else {
+            current = hits.front();
+            edge = edges.front();
+            forward = !forward;
+        }
+        walk.push_back(current);
+    } while (current != start);
+    return walk;
+}
+
+}  // namespace
+
+void xn_regionDetail::throwInvalidContour() {
     throw xcContourDefs::BadParams(L"invalid contour");
 }
 
-void xcRegion::outerHull(xcRegion&) const {
-    throw xcContourDefs::BadParams(L"invalid contour");
+void xcRegion::regularize(xcRegion& result) const {
+    assignSelfOrCached(*this, regularizedValid_, regularized_, result,
+                       [this](xcRegion& walked) { outerHullRegularize(walked, false); });
 }
 
-void xcRegion::outerHullRegularize(xcRegion&, bool) const {
-    throw xcContourDefs::BadParams(L"invalid contour");
+void xcRegion::outerHull(xcRegion& result) const {
+    assignSelfOrCached(*this, outerHullValid_, outerHull_, result,
+                       [this](xcRegion& hull) { outerHullRegularize(hull, true); });
 }
 
-void xcRegion::splice(const xcRegion&, xcRegion&) const {
-    throw xcContourDefs::BadParams(L"invalid contour");
+void xcRegion::outerHullRegularize(xcRegion& result, bool full) const {
+    checkEmptyContour();
+    xcRegion& self = cacheFilling(*this);
+    const Points& p = points();
+
+    const auto crossings = [&self](const xcVector<2>& a, const xcVector<2>& b) {
+        return self.intersections(xcLineSeg(a, b), true, false).size();
+    };
+    const auto outside = [this](const xcVector<2>& q) { return insideCount(q, true) == 0; };
+    const std::size_t s =
+        startEdge(p, medianFeatureSize() / kProbeOffsetDivisor, crossings, outside);
+
+    const auto edgeHits = [&self](const xcLineSeg& seg, std::vector<int>& edges) {
+        return self.xcContour::intersections(seg, edges, false);
+    };
+    const auto countCrossings = [this, &edgeHits]() {
+        std::size_t total = 0;
+        std::vector<int> edges;
+        for (std::size_t k = 0; k < lineSegs().size(); ++k)
+            if (validLine()[k])
+                total += edgeHits(lineSegs()[k], edges).size();
+        return total;
+    };
+    WalkLimit limit(p.size(), countCrossings);
+    const Points walk = walkBoundary(p, s, edgeHits, limit);
+
+    if (full)
+        assignOuterLoop(walk, result);
+    else
+        result = xcRegion(walk, xcContourDefs::keepOutline);
 }

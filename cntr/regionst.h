@@ -231,6 +231,8 @@ class CNTR_API xcRegionSet : public virtual xcPersistent, public virtual xcRepBa
     void cachedMerge(xcRegionSet& out, bool outerHullOnly, bool& valid,
                      xcPtrHandle<xcRegionSet>& cache) const;
     void outerHullRegularize(xcRegionSet& out, bool outerHullOnly) const;
+    /// The single ordered merge pass over `work` (see regularize).
+    static void mergePass(RegionHandles& work);
 
     RegionHandles regions_;
     long cachedVectorSize_ = 3;

@@ -10,14 +10,6 @@
 
 namespace xn_regionSetDetail {
 
-/// The region behind a set's const handle, for the region queries that fill the region's
-/// caches and are therefore non-const members (centre of mass, inertia, enclosing rectangle,
-/// intersections) although they change no geometry. Every region reaches a set as an object
-/// created by new, never as a const object, so the cast is well defined.
-inline xcRegion& queried(const xcPtrHandle_const<xcRegion>& region) {
-    return const_cast<xcRegion&>(*region);
-}
-
 /// Throws xcContourDefs::BadParams("region set cannot hold a null region") when some handle
 /// of `regions` is null.
 void checkNoNullRegion(const std::vector<xcPtrHandle_const<xcRegion>>& regions);
@@ -30,12 +22,25 @@ struct VertexBox {
 };
 VertexBox vertexBox(const xcContour& contour);
 
-/// False only when outline.xcContour::intersections(other) is certainly empty because the
-/// outline's enclosing rectangle and `otherBox`, the vertex box of `other`, do not overlap (the
-/// contour query rejects each edge of `other` by that same rectangle test). Asks the outline's
-/// encloseRect(identity) exactly when the contour query would, so the outline's memo, the
-/// random generator and the EmptyContour failure are as if the query had run.
-bool outlinesMayMeet(xcContour& outline, const VertexBox& otherBox);
+/// Decides, pair by pair, whether outline.xcContour::intersections(other) can be skipped: it is
+/// certainly empty when the outline's enclosing rectangle and the vertex box of `other` do not
+/// overlap, since the contour query rejects each edge of `other` by that same rectangle test.
+/// The outline's encloseRect(identity) is asked on the first pair that needs it, as the
+/// contour query would ask it, and reused afterwards (later asks would only hit its memo), so
+/// the outline's memo, the random generator and the EmptyContour failure are as if the
+/// queries had run.
+class OutlineFilter {
+  public:
+    explicit OutlineFilter(xcContour& outline) : outline_(&outline) {}
+    /// False only when the contour query of the outline with a contour of box `other` is empty.
+    bool mayMeet(const VertexBox& other);
+
+  private:
+    xcContour* outline_;
+    bool asked_ = false;
+    bool usable_ = false;
+    xcRect rect_;
+};
 
 }  // namespace xn_regionSetDetail
 

@@ -7,10 +7,12 @@
 
 #include <cntr/contour_detail.h>
 #include <cntr/moments.h>
+#include <cntr/region_detail.h>
 #include <cntr/regionst_detail.h>
 #include <cntr/tolerances.h>
 #include <foundation/numeric.h>
 
+using namespace xn_regionDetail;
 using namespace xn_regionSetDetail;
 
 xcRegionSet::FlagSlot<double>& xcRegionSet::areaSlot(bool considerHoles) const {
@@ -48,7 +50,7 @@ xcVector<2> xcRegionSet::centerOfMass(bool considerHoles) {
     xcVector<2> weighted;
     double total = 0.0;
     for (const xcPtrHandle_const<xcRegion>& handle : regions_) {
-        xcRegion& region = queried(handle);
+        xcRegion& region = cacheFilling(*handle);
         const xcVector<2> center = region.centerOfMass(considerHoles);
         weighted += region.area(considerHoles) * center;
         total += region.area(considerHoles);
@@ -67,7 +69,7 @@ xcMatrix<2> xcRegionSet::inertiaMatrix(bool considerHoles) {
         return slot.value;
     xc_InertiaData total(0.0, xcVector<2>(), xcMatrix<2>());
     for (const xcPtrHandle_const<xcRegion>& handle : regions_) {
-        xcRegion& region = queried(handle);
+        xcRegion& region = cacheFilling(*handle);
         const xcMatrix<2> inertia = region.inertiaMatrix(considerHoles);
         const xcVector<2> center = region.centerOfMass(considerHoles);
         const double area = region.area(considerHoles);
@@ -106,9 +108,9 @@ xcRect xcRegionSet::encloseRect(const xcXform<2>& xform) {
     if (found != rectCache_->end())
         return found->second;
 
-    xcRect box = queried(regions_[0]).xcContour::encloseRect(xform);
+    xcRect box = outlineOf(*regions_[0]).encloseRect(xform);
     for (std::size_t i = 1; i < regions_.size(); ++i)
-        box = box.enclose(queried(regions_[i]).xcContour::encloseRect(xform));
+        box = box.enclose(outlineOf(*regions_[i]).encloseRect(xform));
     xn_contourDetail::memoStore(rectCache_, xform, box, cachedVectorSize_);
     mutating();
     return box;
@@ -147,12 +149,13 @@ bool xcRegionSet::anyOutlinesCross() const {
     for (const xcPtrHandle_const<xcRegion>& region : regions_)
         boxes.push_back(vertexBox(*region));
     for (std::size_t i = 0; i < regions_.size(); ++i) {
-        xcContour& outline = queried(regions_[i]);
+        xcContour& outline = outlineOf(*regions_[i]);
+        OutlineFilter filter(outline);
         for (std::size_t j = i + 1; j < regions_.size(); ++j) {
-            if (!outlinesMayMeet(outline, boxes[j]))
+            if (!filter.mayMeet(boxes[j]))
                 continue;
             const xcContour& other = *regions_[j];
-            if (!outline.xcContour::intersections(other).empty())
+            if (!outline.intersections(other).empty())
                 return true;
         }
     }
@@ -174,11 +177,14 @@ xn_regionSetDetail::VertexBox xn_regionSetDetail::vertexBox(const xcContour& con
     return box;
 }
 
-bool xn_regionSetDetail::outlinesMayMeet(xcContour& outline, const VertexBox& otherBox) {
-    if (!otherBox.known)
+bool xn_regionSetDetail::OutlineFilter::mayMeet(const VertexBox& other) {
+    if (!other.known)
         return true;
-    const xcRect rect = outline.encloseRect(xcXform<2>::I);
-    const bool finite = std::isfinite(rect.ul().x()) && std::isfinite(rect.ul().y()) &&
-                        std::isfinite(rect.lr().x()) && std::isfinite(rect.lr().y());
-    return !finite || xn_contourDetail::rectsOverlap(rect, otherBox.rect);
+    if (!asked_) {
+        rect_ = outline_->encloseRect(xcXform<2>::I);
+        usable_ = std::isfinite(rect_.ul().x()) && std::isfinite(rect_.ul().y()) &&
+                  std::isfinite(rect_.lr().x()) && std::isfinite(rect_.lr().y());
+        asked_ = true;
+    }
+    return !usable_ || xn_contourDetail::rectsOverlap(rect_, other.rect);
 }

@@ -2,8 +2,10 @@
 // region is regularised or hulled on its own.
 #include <cntr/regionst.h>
 
+#include <cntr/region_detail.h>
 #include <cntr/regionst_detail.h>
 
+using namespace xn_regionDetail;
 using namespace xn_regionSetDetail;
 
 namespace {
@@ -43,33 +45,7 @@ void xcRegionSet::cachedMerge(xcRegionSet& out, bool outerHullOnly, bool& valid,
 void xcRegionSet::outerHullRegularize(xcRegionSet& out, bool outerHullOnly) const {
     checkEmptyRegionSet();
     RegionHandles work(regions_);
-
-    // The single merge pass. Both bounds are re-read after every merge; j advances in every
-    // case, so the region moved into slot j is not compared with the merged region i. The
-    // vertex boxes, kept in step with the slots, spare the contour query for pairs far apart.
-    std::vector<VertexBox> boxes;
-    boxes.reserve(work.size());
-    for (const xcPtrHandle_const<xcRegion>& region : work)
-        boxes.push_back(vertexBox(*region));
-    for (std::size_t i = 0; i + 1 < work.size(); ++i) {
-        for (std::size_t j = i + 1; j < work.size(); ++j) {
-            xcRegion& regionI = queried(work[i]);
-            if (!outlinesMayMeet(regionI, boxes[j]))
-                continue;
-            const xcContour& outlineJ = *work[j];
-            if (regionI.intersections(outlineJ, false).empty())
-                continue;
-            const xcPtrHandle<xcRegion> merged = newEmptyRegion();
-            work[i]->splice(*work[j], *merged);
-            work[i] = merged;
-            boxes[i] = vertexBox(*merged);
-            work[j] = work.back();
-            boxes[j] = boxes.back();
-            work.pop_back();
-            boxes.pop_back();
-        }
-    }
-
+    mergePass(work);
     for (xcPtrHandle_const<xcRegion>& slot : work) {
         const xcPtrHandle<xcRegion> result = newEmptyRegion();
         if (outerHullOnly)
@@ -79,4 +55,33 @@ void xcRegionSet::outerHullRegularize(xcRegionSet& out, bool outerHullOnly) cons
         slot = result;
     }
     out = xcRegionSet(work, xcContourDefs::keepOutline);
+}
+
+void xcRegionSet::mergePass(RegionHandles& work) {
+    // Both bounds are re-read after every merge; j advances in every case, so the region moved
+    // into slot j is not compared with the merged region i. The vertex boxes, kept in step with
+    // the slots, spare the contour query for pairs far apart.
+    std::vector<VertexBox> boxes;
+    boxes.reserve(work.size());
+    for (const xcPtrHandle_const<xcRegion>& region : work)
+        boxes.push_back(vertexBox(*region));
+    for (std::size_t i = 0; i + 1 < work.size(); ++i) {
+        OutlineFilter filter(cacheFilling(*work[i]));
+        for (std::size_t j = i + 1; j < work.size(); ++j) {
+            if (!filter.mayMeet(boxes[j]))
+                continue;
+            const xcContour& outlineJ = *work[j];
+            if (cacheFilling(*work[i]).intersections(outlineJ, false).empty())
+                continue;
+            const xcPtrHandle<xcRegion> merged = newEmptyRegion();
+            work[i]->splice(*work[j], *merged);
+            work[i] = merged;
+            boxes[i] = vertexBox(*merged);
+            filter = OutlineFilter(*merged);
+            work[j] = work.back();
+            boxes[j] = boxes.back();
+            work.pop_back();
+            boxes.pop_back();
+        }
+    }
 }

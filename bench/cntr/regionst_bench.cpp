@@ -55,11 +55,14 @@ struct Workload {
     }
 };
 
+// Times `query` after dropping the set's caches and, when `coldRegions`, every region's.
 template <class Query>
-void setForm(benchmark::State& state, Query query) {
+void freshForm(benchmark::State& state, Query query, bool coldRegions) {
     Workload w(state.range(0));
     query(w.set);
     for (auto _ : state) {
+        if (coldRegions)
+            w.resetRegions();
         w.resetSet();
         benchmark::DoNotOptimize(query(w.set));
     }
@@ -67,14 +70,13 @@ void setForm(benchmark::State& state, Query query) {
 }
 
 template <class Query>
+void setForm(benchmark::State& state, Query query) {
+    freshForm(state, query, false);
+}
+
+template <class Query>
 void coldForm(benchmark::State& state, Query query) {
-    Workload w(state.range(0));
-    for (auto _ : state) {
-        w.resetRegions();
-        w.resetSet();
-        benchmark::DoNotOptimize(query(w.set));
-    }
-    state.SetItemsProcessed(state.iterations() * state.range(0));
+    freshForm(state, query, true);
 }
 
 template <class Query>

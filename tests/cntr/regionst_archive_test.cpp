@@ -13,6 +13,7 @@
 
 using Defs = xcContourDefs;
 using testbytes::Bytes;
+using testbytes::expectUnknownVersion;
 using SetHandle = xcPtrHandle<xcRegionSet>;
 
 namespace {
@@ -57,17 +58,6 @@ void setHead(Bytes& b, unsigned version, std::uint32_t count) {
     testbytes::u8(b, 0);
     testbytes::u8(b, 0);
     testbytes::u32(b, count);
-}
-
-template <class Load>
-void expectUnknownVersion(Load load, const std::string& source, long line) {
-    try {
-        load();
-        ADD_FAILURE() << "no UnknownVersion";
-    } catch (const xcArchive::UnknownVersion& e) {
-        EXPECT_EQ(e.source(), source);
-        EXPECT_EQ(e.line(), line);
-    }
 }
 
 }  // namespace

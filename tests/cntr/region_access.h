@@ -1,0 +1,16 @@
+// The tests' access to the region's private operations (a friend of xcRegion).
+#ifndef CNTR_TESTS_REGION_ACCESS_H
+#define CNTR_TESTS_REGION_ACCESS_H
+
+#include <cntr/region.h>
+
+struct xcRegionTestAccess {
+    static void splice(const xcRegion& region, const xcRegion& other, xcRegion& result) {
+        region.splice(other, result);
+    }
+    static void outerHullRegularize(const xcRegion& region, xcRegion& result, bool full) {
+        region.outerHullRegularize(result, full);
+    }
+};
+
+#endif
