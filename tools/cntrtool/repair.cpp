@@ -1,6 +1,8 @@
 #include "repair.h"
 
+#include <algorithm>
 #include <exception>
+#include <stdexcept>
 
 namespace cntrtool {
 
@@ -18,6 +20,24 @@ std::vector<xcPtrHandle_const<xcRegion>> allHoles(const xcRegion& region, const 
         if (r.where == where)
             holes.insert(holes.end(), r.holes.begin(), r.holes.end());
     return holes;
+}
+
+// A repaired outline must still reach every vertex of the outline it replaces: a vertex farther
+// than this from the result (outside it) means that the library's walk closed an inner loop
+// and left part of the shape out.
+constexpr double kCoverTolerance = 1e-6;
+
+// Throws when `distance` puts some of `points` outside the result.
+template <class Distance>
+void requireCovered(const std::vector<xcVector<2>>& points, Distance&& distance) {
+    std::size_t left = 0;
+    for (const xcVector<2>& p : points)
+        if (!(distance(p) <= kCoverTolerance))
+            ++left;
+    if (left > 0)
+        throw std::runtime_error("the library's result leaves out " + std::to_string(left) +
+                                 " of the " + std::to_string(points.size()) +
+                                 " outline vertices (its walk closed an inner loop)");
 }
 
 class Repairer {
@@ -51,6 +71,9 @@ class Repairer {
                 original->outerHull(*repaired);
             else
                 original->regularize(*repaired);
+            requireCovered(original->points(), [&repaired](const xcVector<2>& p) {
+                return repaired->distToPoint(p, false, false, true);
+            });
         } else {
             *repaired = xcRegion(static_cast<const xcContour&>(*original),
                                  xcContourDefs::keepOutline);
@@ -63,15 +86,23 @@ class Repairer {
     xcPtrHandle<xcRegionSet> regionSet() {
         const xcRegionSet& original = *shape_.set;
         const auto members = regionsOf(original);
-        xcRegionSet merged;
-        if (original.isSelfIntersecting()) {
+        // One merge pass can leave a region crossing a part that another region brought into
+        // a merge; passes are repeated while regions cross, at most once per region.
+        xcRegionSet merged = original;
+        for (std::size_t pass = 0; pass < std::max<std::size_t>(members.size(), 1) &&
+                                   merged.isSelfIntersecting();
+             ++pass) {
+            xcRegionSet next;
             if (outerHull_)
-                original.outerHull(merged);
+                merged.outerHull(next);
             else
-                original.regularize(merged);
-        } else {
-            merged = original;
+                merged.regularize(next);
+            merged = next;
         }
+        for (const auto& m : members)
+            requireCovered(m->points(), [&merged](const xcVector<2>& p) {
+                return merged.distToPoint(p, false, false, true);
+            });
         std::vector<xcPtrHandle_const<xcRegion>> regions;
         std::size_t holesBefore = 0, holesAfter = 0;
         for (const auto& m : members)

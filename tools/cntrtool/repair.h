@@ -29,9 +29,15 @@ bool needsRepair(const Shape& shape);
 /// library's regularize (or outerHull, with `outerHull`) of it, with its label; its holes,
 /// repaired in turn, are given back to it (holes the library then refuses are kept aside in
 /// the result's `refused`). A set that crosses itself is replaced by the library's regularize
-/// (or outerHull) of it, which merges crossing regions; merged regions keep the label of the
-/// slot they took and lose their holes (a note says how many). Contours are never changed (a
+/// (or outerHull) of it, which merges crossing regions in one pass; passes are repeated while
+/// regions still cross (at most one per region). Merged regions keep the label of the slot
+/// they took and lose their holes (a note says how many). Contours are never changed (a
 /// note says when one crosses itself). The results are plain (not edgelet) shapes.
+///
+/// A repair fails, and the shape is kept as it is, when the library refuses (an outline whose
+/// every edge is crossed is "invalid contour") or when its result does not reach every vertex
+/// of the outlines it replaces (a walk that closed an inner loop and left part of the shape
+/// out).
 RepairResult repairShape(const Shape& shape, bool outerHull);
 
 }  // namespace cntrtool
