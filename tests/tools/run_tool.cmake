@@ -14,7 +14,9 @@ cmake_minimum_required(VERSION 3.25)
 
 # Lists arrive with "|" between their items (a ";" would split the test's command line).
 foreach(list_var IN ITEMS ARGS THEN_ARGS INPUTS)
-    string(REPLACE "|" ";" ${list_var} "${${list_var}}")
+    if(DEFINED ${list_var})
+        string(REPLACE "|" ";" ${list_var} "${${list_var}}")
+    endif()
 endforeach()
 
 file(REMOVE_RECURSE "${WORK_DIR}")

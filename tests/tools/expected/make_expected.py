@@ -130,6 +130,15 @@ row(9, "region", 10, 2, 0, 2 * math.sqrt(8), N, N, N, (N, N, N), (N, N, N), N, N
 row(10, "edgelet-contour", 11, 3, 0, 7, N, N, (118 / 7, -191.5 / 7), (N, N, N), (N, N, N),
     (16, -26.5, 2.5, 2.5, 0), 0, 6, 5, "no")
 
+# 11 set: the 6x2 rectangle [21,27]x[-27,-25] and the 2x6 rectangle [23,25]x[-29,-23], crossed
+# about (24,-26). Areas 12 + 12; central moments w^3 h / 12 and w h^3 / 12: 36 and 4, then 4
+# and 36, so 40 and 40, xy 0 (both centred on (24,-26)). All 8 corners lie sqrt(3^2 + 1^2)
+# from the centre: the fit is that circle. Hull: the octagon (+-3,+-1), (+-1,+-3): the 6x6
+# square less 4 corner triangles of area 2; diameter: (3,1) to (-3,-1), sqrt(40).
+r = moment_radii(40, 40)
+row(11, "regionset", 12, 8, 0, 32, 24, 24, (24, -26), (40, 0, 40), (r[0], r[1], STAR),
+    (24, -26, math.sqrt(10), math.sqrt(10), STAR), 0, 28, math.sqrt(40), "yes")
+
 
 def text(v):
     if v is None:
