@@ -1,9 +1,14 @@
 #!/usr/bin/env python3
-"""Checks cntrtool's `measure --json` and `check` outputs for a COCO-style file against an
-independent computation written here from the textbook formulas (shoelace area and centroid,
-monotone-chain hull, pairwise distances, segment crossing tests).
+"""Checks cntrtool's outputs for a COCO-style file against an independent computation written
+here from the textbook formulas (shoelace area and centroid, monotone-chain hull, pairwise
+distances, segment crossing tests, even-odd point location).
 
 usage: independent_check.py COCO.json MEASURE.json CHECK.txt
+       independent_check.py --repair COCO.json REPAIRED.json REPAIR_STDERR.txt CHECK_OF_REPAIRED.txt
+The first form checks `measure --json` and `check`. The second checks `repair`: every
+annotation it changed now crosses nowhere and still reaches every vertex of its old polygons;
+every other annotation is unchanged; and the shapes that `check` still finds crossing are
+exactly those that `repair` named as not repaired.
 Exit status 0 when everything agrees, 1 otherwise (the differences are printed).
 """
 import itertools
@@ -88,11 +93,58 @@ def outlines_cross(p, q):
     return any(segments_cross(*a, *b) for a in edges(p) for b in edges(q))
 
 
+def on_segment(p, a, b, tolerance=1e-6):
+    (px, py), (ax, ay), (bx, by) = p, a, b
+    dx, dy = bx - ax, by - ay
+    length2 = dx * dx + dy * dy
+    t = 0.0 if length2 == 0 else max(0.0, min(1.0, ((px - ax) * dx + (py - ay) * dy) / length2))
+    return math.hypot(px - ax - t * dx, py - ay - t * dy) <= tolerance
+
+
+def covered(p, poly):
+    """Inside (even-odd) or on the boundary."""
+    if any(on_segment(p, a, b) for a, b in edges(poly)):
+        return True
+    inside = False
+    for (ax, ay), (bx, by) in edges(poly):
+        if (ay > p[1]) != (by > p[1]) and p[0] < ax + (p[1] - ay) * (bx - ax) / (by - ay):
+            inside = not inside
+    return inside
+
+
+def check_repair(coco, repaired, repair_err, check):
+    original = json.load(open(coco))["annotations"]
+    result = json.load(open(repaired))["annotations"]
+    refused = {int(m) for m in re.findall(r"shape (\d+): cannot be repaired", open(repair_err).read())}
+    still = {int(m) for m in re.findall(r"^shape (\d+) .*: (?:self-crossing|regions-cross):",
+                                        open(check).read(), re.M)}
+    errors = []
+    if still != refused:
+        errors.append("still crossing %s, named as not repaired %s" % (sorted(still), sorted(refused)))
+    for index, (old, new) in enumerate(zip(original, result)):
+        if old == new:
+            continue
+        if {k: v for k, v in old.items() if k != "segmentation"} != {k: v for k, v in new.items() if k != "segmentation"}:
+            errors.append("annotation %d: more than its segmentation changed" % index)
+        before, after = polygons_of(old), polygons_of(new)
+        if any(self_crossing(p) for p in after) or any(
+                outlines_cross(a, b) for a, b in itertools.combinations(after, 2)):
+            errors.append("annotation %d: the repaired polygons still cross" % index)
+        lost = [p for poly in before for p in poly if not any(covered(p, q) for q in after)]
+        if lost:
+            errors.append("annotation %d: the repaired polygons leave out %s" % (index, lost))
+    for e in errors:
+        print(e)
+    return 1 if errors else 0
+
+
 def close(a, b):
     return abs(a - b) <= TOLERANCE * max(1.0, abs(b))
 
 
 def main():
+    if sys.argv[1] == "--repair":
+        return check_repair(*sys.argv[2:6])
     coco, measure, check = sys.argv[1:4]
     annotations = json.load(open(coco))["annotations"]
     reported = {s["index"]: s for s in json.load(open(measure))["shapes"]}
