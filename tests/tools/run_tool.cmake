@@ -2,6 +2,7 @@
 #   TOOL, ARGS (items separated by "|"), WORK_DIR (the run's directory, emptied first), EXPECT_EXIT,
 #   COMPARE (the compare_output program) and optionally:
 #   INPUTS           files copied into WORK_DIR first (the runs name them without a directory)
+#   STDOUT_REGEX     a regular expression that standard output must match
 #   STDOUT_NOT_REGEX a regular expression that standard output must not match
 #   EXPECTED_STDOUT  a file that standard output must match (compare_output's rules)
 #   STDERR_REGEX     a regular expression that standard error must match
@@ -46,6 +47,9 @@ function(run_step prefix)
     endif()
     if(DEFINED ${prefix}EXPECTED_STDOUT)
         compare("${${prefix}EXPECTED_STDOUT}" "${out}" ${prefix}stdout)
+    endif()
+    if(DEFINED ${prefix}STDOUT_REGEX AND NOT out MATCHES "${${prefix}STDOUT_REGEX}")
+        fail("${prefix}standard output does not match '${${prefix}STDOUT_REGEX}'")
     endif()
     if(DEFINED ${prefix}STDOUT_NOT_REGEX AND out MATCHES "${${prefix}STDOUT_NOT_REGEX}")
         fail("${prefix}standard output matches '${${prefix}STDOUT_NOT_REGEX}'")
