@@ -1,29 +1,111 @@
 // The edge cache and the queries built on it: segment and contour intersections,
 // self-intersection and the median edge length.
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 #include <cntr/contour.h>
 #include <cntr/contour_detail.h>
+#include <cntr/contour_edgeindex.h>
 #include <cntr/tolerances.h>
 
 using namespace xn_contourDetail;
 
 namespace {
 
-struct Hit {
-    xcVector<2> point;
-    int edge;
-};
+using Hit = SegmentHit;
+
+// Up to this many hits the exchange sort is as fast as anything else.
+constexpr std::size_t kExchangeSortLimit = 16;
+
+// Sorts the hits by their keys when the keys are numbers, all distinct: the one ascending order,
+// which any correct sort leaves. False, changing nothing, when two keys are equal or one is NaN.
+template <class Key>
+bool orderByDistinctKeys(std::vector<Hit>& hits, Key key) {
+    std::vector<std::pair<double, std::size_t>> keyed;
+    keyed.reserve(hits.size());
+    for (std::size_t i = 0; i < hits.size(); ++i) keyed.emplace_back(key(hits[i]), i);
+    for (const auto& k : keyed)
+        if (k.first != k.first) return false;
+    std::sort(keyed.begin(), keyed.end());
+    for (std::size_t i = 1; i < keyed.size(); ++i)
+        if (!(keyed[i - 1].first < keyed[i].first)) return false;
+    std::vector<Hit> ordered;
+    ordered.reserve(hits.size());
+    for (const auto& k : keyed) ordered.push_back(hits[k.second]);
+    hits = std::move(ordered);
+    return true;
+}
 
 // Orders hits along the query by (P - p1) . (p2 - p1) with the plain exchange sort: for each i,
 // every later hit with a strictly smaller key is swapped into place i. The sort is not stable;
-// the order it leaves among equal keys is part of the result.
+// the order it leaves among equal keys is part of the result. With distinct keys that order is
+// the ascending one, so many hits are sorted in n log n when their keys are distinct.
 void orderAlong(std::vector<Hit>& hits, const xcLineSeg& seg) {
     const xcVector<2> d = seg.p2() - seg.p1();
     const auto key = [&](const Hit& h) { return (h.point - seg.p1()).dot(d); };
+    if (hits.size() > kExchangeSortLimit && orderByDistinctKeys(hits, key)) return;
     for (std::size_t i = 0; i + 1 < hits.size(); ++i)
         for (std::size_t j = i + 1; j < hits.size(); ++j)
             if (key(hits[i]) > key(hits[j])) std::swap(hits[i], hits[j]);
+}
+
+// The segment query's test of one non-degenerate edge whose rectangle overlaps the query's:
+// not parallel, not touching an end of the query unless `includeEndTouches`, and a crossing
+// point `p` within the coincidence tolerance of both.
+bool edgeHit(const xcLineSeg& edge, const xcLine& edgeLine, const xcLineSeg& seg,
+             const xcLine& queryLine, bool includeEndTouches, xcVector<2>& p) {
+    if (edgeLine.isParallel(queryLine)) return false;
+    if (!includeEndTouches && !(edge.distToPoint(seg.p1()) > kCoincidentTolerance &&
+                                edge.distToPoint(seg.p2()) > kCoincidentTolerance))
+        return false;
+    p = edgeLine.intersect(queryLine);
+    return edge.distToPoint(p) < kCoincidentTolerance && seg.distToPoint(p) < kCoincidentTolerance;
+}
+
+// How far beyond the query's line an edge may lie and still report a hit: a hit point is within
+// the coincidence tolerance of both, so the edge within twice that of the query's line; doubled
+// again for the rounding of the distances, which stays below 1e-8 at the index's coordinate
+// limit.
+constexpr double kReachTolerance = 4.0 * kCoincidentTolerance;
+// The bound on the rounding error of a cross product of two differences of coordinates of
+// magnitude at most M, as a multiple of M * M (about 24 units in the last place, rounded up
+// generously).
+constexpr double kCrossRounding = 1e-13;
+
+// Whether a box of the index may hold an edge that hits the query: its box overlaps the query's
+// rectangle (exactly the rectangle test of the edge-by-edge loop) and its corners are not all
+// beyond the query's line by more than the reach.
+class SegmentReach {
+public:
+    SegmentReach(const xcLineSeg& seg, const xcRect& rect, double scale)
+        : p1_(seg.p1()), d_(seg.delta()), rect_(rect),
+          reach_(kReachTolerance * d_.length() + kCrossRounding * scale * scale) {}
+
+    bool operator()(const EdgeBox& b) const {
+        if (b.maxX < rect_.ul().x() || b.minX > rect_.lr().x() || b.maxY < rect_.ul().y() ||
+            b.minY > rect_.lr().y())
+            return false;
+        const double c[4] = {side(b.minX, b.minY), side(b.maxX, b.minY), side(b.minX, b.maxY),
+                             side(b.maxX, b.maxY)};
+        const bool allLeft = c[0] > reach_ && c[1] > reach_ && c[2] > reach_ && c[3] > reach_;
+        const bool allRight = c[0] < -reach_ && c[1] < -reach_ && c[2] < -reach_ && c[3] < -reach_;
+        return !allLeft && !allRight;
+    }
+
+private:
+    double side(double x, double y) const { return d_.cross(xcVector<2>(x, y) - p1_); }
+
+    xcVector<2> p1_;
+    xcVector<2> d_;
+    xcRect rect_;
+    double reach_;
+};
+
+// The largest coordinate magnitude of the segment's ends.
+double maxAbs(const xcLineSeg& seg) {
+    return std::max({std::fabs(seg.p1().x()), std::fabs(seg.p1().y()), std::fabs(seg.p2().x()),
+                     std::fabs(seg.p2().y())});
 }
 
 // Ascending order of edge lengths, NaN after every number so that the sort stays well defined.
@@ -82,29 +164,55 @@ std::vector<xcVector<2>> xcContour::intersections(const xcLineSeg& seg, bool inc
     return hitsAlong(seg, edgeIndices, includeEndTouches);
 }
 
-std::vector<xcVector<2>> xcContour::hitsAlong(const xcLineSeg& seg, std::vector<int>& edgeIndices,
-                                              bool includeEndTouches) const {
-    checkEmptyContour();
-    edgeIndices.clear();
-    std::vector<xcVector<2>> points;
+const EdgeIndex* xcContour::edgeIndex() const {
+    if (!edgeIndexTried_) {
+        edgeIndex_ = EdgeIndex::build(points_, isClosed());
+        edgeIndexTried_ = true;
+    }
+    return edgeIndex_.get();
+}
+
+void xcContour::collectHits(const xcLineSeg& seg, bool includeEndTouches, bool plain,
+                            std::vector<SegmentHit>& hits) const {
     const xcLine queryLine = seg.line();
     const xcRect queryRect = spanRect(seg.p1(), seg.p2());
-    if (!rectsOverlap(rectOf(xcXform<2>::I), queryRect)) return points;
-    computeLineSegs();
-
-    std::vector<Hit> hits;
-    for (std::size_t k = 0; k < lineSegs_.size(); ++k) {
-        if (!validLine_[k] || !rectsOverlap(rects_[k], queryRect) || lines_[k].isParallel(queryLine))
-            continue;
-        if (!includeEndTouches && !(lineSegs_[k].distToPoint(seg.p1()) > kCoincidentTolerance &&
-                                    lineSegs_[k].distToPoint(seg.p2()) > kCoincidentTolerance))
-            continue;
-        const xcVector<2> p = lines_[k].intersect(queryLine);
-        if (lineSegs_[k].distToPoint(p) < kCoincidentTolerance && seg.distToPoint(p) < kCoincidentTolerance)
-            hits.push_back({p, static_cast<int>(k)});
+    if (!rectsOverlap(rectOf(xcXform<2>::I), queryRect)) return;
+    const EdgeIndex* index = plain ? nullptr : edgeIndex();
+    if (index == nullptr || !EdgeIndex::accepts(seg.p1()) || !EdgeIndex::accepts(seg.p2())) {
+        computeLineSegs();
+        xcVector<2> p;
+        for (std::size_t k = 0; k < lineSegs_.size(); ++k)
+            if (validLine_[k] && rectsOverlap(rects_[k], queryRect) &&
+                edgeHit(lineSegs_[k], lines_[k], seg, queryLine, includeEndTouches, p))
+                hits.push_back({p, static_cast<int>(k)});
+        return;
     }
+    // The edges are formed from the vertices as computeLineSegs() forms them, so the tests see
+    // the same doubles without the edge cache being built.
+    const std::size_t n = points_.size();
+    const bool closed = isClosed();
+    index->forEachCandidate(SegmentReach(seg, queryRect, std::max(index->scale(), maxAbs(seg))),
+                            [&](std::size_t k) {
+        const xcVector<2>& start = points_[closed ? (k == 0 ? n - 1 : k - 1) : k];
+        const xcVector<2>& end = points_[closed ? k : k + 1];
+        if (xfRealEq(start, end, kExactTolerance) || !rectsOverlap(spanRect(start, end), queryRect))
+            return;
+        const xcLineSeg edge(start, end);
+        xcVector<2> p;
+        if (edgeHit(edge, edge.line(), seg, queryLine, includeEndTouches, p))
+            hits.push_back({p, static_cast<int>(k)});
+    });
+}
+
+std::vector<xcVector<2>> xcContour::hitsAlong(const xcLineSeg& seg, std::vector<int>& edgeIndices,
+                                              bool includeEndTouches, bool plain) const {
+    checkEmptyContour();
+    edgeIndices.clear();
+    std::vector<Hit> hits;
+    collectHits(seg, includeEndTouches, plain, hits);
     orderAlong(hits, seg);
 
+    std::vector<xcVector<2>> points;
     points.reserve(hits.size());
     edgeIndices.reserve(hits.size());
     for (const Hit& h : hits) {
@@ -112,6 +220,13 @@ std::vector<xcVector<2>> xcContour::hitsAlong(const xcLineSeg& seg, std::vector<
         edgeIndices.push_back(h.edge);
     }
     return points;
+}
+
+std::size_t xcContour::hitCount(const xcLineSeg& seg, bool includeEndTouches, bool plain) const {
+    checkEmptyContour();
+    std::vector<Hit> hits;
+    collectHits(seg, includeEndTouches, plain, hits);
+    return hits.size();
 }
 
 std::vector<xcVector<2>> xcContour::intersections(const xcContour& other) {
@@ -129,21 +244,55 @@ std::vector<xcVector<2>> xcContour::intersections(const xcContour& other) {
 bool xcContour::isSelfIntersecting() const {
     if (points_.empty()) return false;
     if (selfIntersectingValid_) return selfIntersecting_;
+    const bool finite = std::all_of(points_.begin(), points_.end(), [](const xcVector<2>& p) {
+        return std::isfinite(p.x()) && std::isfinite(p.y());
+    });
+    selfIntersecting_ = finite ? selfIntersectingSwept() : selfIntersectingPlain();
+    selfIntersectingValid_ = true;
+    return selfIntersecting_;
+}
+
+// The definition: one segment query (ends excluded) per non-degenerate edge.
+bool xcContour::selfIntersectingPlain() const {
     computeLineSegs();
-    selfIntersecting_ = false;
     std::vector<int> unusedIndices;
     // One vertex has a single edge, which meets nothing. (A NaN vertex would make that edge look
     // non-degenerate and the query would refuse the contour as empty.)
     const std::size_t edges = points_.size() < 2 ? 0 : lineSegs_.size();
-    for (std::size_t k = 0; k < edges; ++k) {
-        if (!validLine_[k]) continue;
-        if (!hitsAlong(lineSegs_[k], unusedIndices, false).empty()) {
-            selfIntersecting_ = true;
-            break;
+    for (std::size_t k = 0; k < edges; ++k)
+        if (validLine_[k] && !hitsAlong(lineSegs_[k], unusedIndices, false, true).empty())
+            return true;
+    return false;
+}
+
+// The same pairs tested, found by a sweep: edge q's query reports edge e exactly when their
+// rectangles overlap (and q's overlaps the contour's rectangle, which the query checks first)
+// and edgeHit holds, so every pair of non-degenerate edges with overlapping rectangles is tested
+// both ways. With finite coordinates the rectangles sort by their left sides.
+bool xcContour::selfIntersectingSwept() const {
+    if (points_.size() < 2) return false;
+    computeLineSegs();
+    const xcRect contourRect = rectOf(xcXform<2>::I);
+    const auto queryHits = [&](std::size_t q, std::size_t e) {
+        xcVector<2> p;
+        return rectsOverlap(contourRect, rects_[q]) &&
+               edgeHit(lineSegs_[e], lines_[e], lineSegs_[q], lines_[q], false, p);
+    };
+    std::vector<std::pair<double, std::size_t>> byLeft;
+    byLeft.reserve(rects_.size());
+    for (std::size_t k = 0; k < rects_.size(); ++k)
+        if (validLine_[k]) byLeft.emplace_back(rects_[k].ul().x(), k);
+    std::sort(byLeft.begin(), byLeft.end());
+    for (std::size_t i = 0; i < byLeft.size(); ++i) {
+        const std::size_t a = byLeft[i].second;
+        const xcRect& ra = rects_[a];
+        for (std::size_t j = i + 1; j < byLeft.size() && byLeft[j].first <= ra.lr().x(); ++j) {
+            const std::size_t b = byLeft[j].second;
+            if (rects_[b].lr().y() < ra.ul().y() || rects_[b].ul().y() > ra.lr().y()) continue;
+            if (queryHits(a, b) || queryHits(b, a)) return true;
         }
     }
-    selfIntersectingValid_ = true;
-    return selfIntersecting_;
+    return false;
 }
 
 double xcContour::medianFeatureSize() const {
