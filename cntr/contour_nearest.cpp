@@ -1,8 +1,6 @@
 // Nearest-point queries: closest point, closest vertex, distance.
 #include <algorithm>
 #include <cmath>
-#include <functional>
-#include <queue>
 #include <vector>
 
 #include <cntr/contour.h>
@@ -49,17 +47,17 @@ xcVector<2> pointOnEdge(const xcVector<2>& a, const xcVector<2>& b, const xcVect
     return xcLineSeg(a, b).line().proj(point);
 }
 
-// A box's distance from the query point is shrunk by this relative amount and by this multiple
-// of the coordinate scale before it prunes: an edge's computed distance can fall below the true
-// distance of its box by the rounding of the projection, a few units in the last place of the
-// coordinates.
-constexpr double kBoxDistanceShrink = 1e-12;
-constexpr double kBoxDistanceRounding = 1e-13;
+// A box prunes only when its squared distance exceeds the square of the best distance grown by
+// this multiple of the coordinate scale and then by this relative amount: an edge's computed
+// distance can fall below the true distance of its box by the rounding of the projection, a few
+// units in the last place of the coordinates.
+constexpr double kRelativeRounding = 1e-12;
+constexpr double kScaleRounding = 1e-13;
 
+// A child box and its squared distance from the query point.
 struct Pending {
     double bound;
     EdgeNode node;
-    bool operator>(const Pending& o) const { return bound > o.bound; }
 };
 
 }  // namespace
@@ -82,42 +80,51 @@ xcVector<2> xcContour::nearestPoint(const xcVector<2>& point, bool vertexOnly, b
     return result;
 }
 
-// Best first over the index: boxes in ascending order of their (shrunk) distance, until the
-// nearest box lies further than the best edge so far. Every edge at the smallest distance is
-// visited, and the lowest index among them wins, as in edge order.
+// Depth first over the index, nearer boxes first, skipping boxes (and edges) further than the
+// best edge so far. Every edge at the smallest distance is measured, and the lowest index among
+// them wins, as in edge order.
 xcVector<2> xcContour::nearestPointIndexed(const EdgeIndex& index, const xcVector<2>& point) const {
     const std::size_t n = points_.size();
     const bool closed = isClosed();
-    const auto startOf = [&](std::size_t k) { return closed ? (k == 0 ? n - 1 : k - 1) : k; };
-    const auto endOf = [&](std::size_t k) { return closed ? k : k + 1; };
     const double slack =
-        kBoxDistanceRounding * std::max({index.scale(), std::fabs(point.x()), std::fabs(point.y())});
-    const auto bound = [&](const EdgeNode& node) {
-        return std::sqrt(squaredDistance(index.box(node), point)) * (1.0 - kBoxDistanceShrink) - slack;
-    };
-
+        kScaleRounding * std::max({index.scale(), std::fabs(point.x()), std::fabs(point.y())});
     double best = HUGE_VAL;
     std::size_t bestEdge = 0;
-    std::priority_queue<Pending, std::vector<Pending>, std::greater<Pending>> pending;
-    pending.push({bound(index.root()), index.root()});
-    while (!pending.empty() && pending.top().bound <= best) {
-        const EdgeNode node = pending.top().node;
-        pending.pop();
-        if (node.level > 0) {
-            for (std::size_t c = index.firstChild(node); c < index.lastChild(node); ++c) {
-                const EdgeNode child{node.level - 1, c};
-                const double b = bound(child);
-                if (b <= best) pending.push({b, child});
-            }
-            continue;
+    // Boxes whose squared distance exceeds this cannot hold an edge at most `best` away.
+    double reachSq = HUGE_VAL;
+    const auto update = [&](std::size_t k) {
+        const double d =
+            edgeDistance(points_[edgeStartVertex(k, n, closed)], points_[edgeEndVertex(k, closed)], point);
+        if (d < best || (d == best && k < bestEdge)) {
+            best = d;
+            bestEdge = k;
+            const double r = (best + slack) * (1.0 + kRelativeRounding);
+            reachSq = r * r;
         }
-        for (std::size_t k = index.firstEdge(node); k < index.lastEdge(node); ++k) {
-            const double d = edgeDistance(points_[startOf(k)], points_[endOf(k)], point);
-            if (d < best || (d == best && k < bestEdge)) {
-                best = d;
-                bestEdge = k;
+    };
+    const auto visit = [&](const EdgeNode& node, auto& self) -> void {
+        if (node.level == 0) {
+            for (std::size_t k = index.firstEdge(node); k < index.lastEdge(node); ++k) {
+                const xcVector<2>& a = points_[edgeStartVertex(k, n, closed)];
+                const xcVector<2>& b = points_[edgeEndVertex(k, closed)];
+                const EdgeBox box{std::min(a.x(), b.x()), std::min(a.y(), b.y()),
+                                  std::max(a.x(), b.x()), std::max(a.y(), b.y())};
+                if (squaredDistance(box, point) <= reachSq) update(k);
             }
+            return;
         }
-    }
-    return pointOnEdge(points_[startOf(bestEdge)], points_[endOf(bestEdge)], point);
+        Pending children[EdgeIndex::kFanOut];
+        std::size_t count = 0;
+        for (std::size_t c = index.firstChild(node); c < index.lastChild(node); ++c) {
+            const EdgeNode child{node.level - 1, c};
+            children[count++] = {squaredDistance(index.box(child), point), child};
+        }
+        std::sort(children, children + count,
+                  [](const Pending& x, const Pending& y) { return x.bound < y.bound; });
+        for (std::size_t i = 0; i < count && children[i].bound <= reachSq; ++i)
+            self(children[i].node, self);
+    };
+    visit(index.root(), visit);
+    return pointOnEdge(points_[edgeStartVertex(bestEdge, n, closed)],
+                       points_[edgeEndVertex(bestEdge, closed)], point);
 }

@@ -93,6 +93,14 @@ public:
         return !allLeft && !allRight;
     }
 
+    // Whether the edge from a to b may hit: its ends are not both beyond the query's line on
+    // the same side (the edge lies between them).
+    bool mayReach(const xcVector<2>& a, const xcVector<2>& b) const {
+        const double ca = side(a.x(), a.y());
+        const double cb = side(b.x(), b.y());
+        return !((ca > reach_ && cb > reach_) || (ca < -reach_ && cb < -reach_));
+    }
+
 private:
     double side(double x, double y) const { return d_.cross(xcVector<2>(x, y) - p1_); }
 
@@ -191,11 +199,12 @@ void xcContour::collectHits(const xcLineSeg& seg, bool includeEndTouches, bool p
     // the same doubles without the edge cache being built.
     const std::size_t n = points_.size();
     const bool closed = isClosed();
-    index->forEachCandidate(SegmentReach(seg, queryRect, std::max(index->scale(), maxAbs(seg))),
-                            [&](std::size_t k) {
-        const xcVector<2>& start = points_[closed ? (k == 0 ? n - 1 : k - 1) : k];
-        const xcVector<2>& end = points_[closed ? k : k + 1];
-        if (xfRealEq(start, end, kExactTolerance) || !rectsOverlap(spanRect(start, end), queryRect))
+    const SegmentReach reach(seg, queryRect, std::max(index->scale(), maxAbs(seg)));
+    index->forEachCandidate(reach, [&](std::size_t k) {
+        const xcVector<2>& start = points_[edgeStartVertex(k, n, closed)];
+        const xcVector<2>& end = points_[edgeEndVertex(k, closed)];
+        if (!reach.mayReach(start, end) || xfRealEq(start, end, kExactTolerance) ||
+            !rectsOverlap(spanRect(start, end), queryRect))
             return;
         const xcLineSeg edge(start, end);
         xcVector<2> p;
@@ -268,28 +277,50 @@ bool xcContour::selfIntersectingPlain() const {
 // The same pairs tested, found by a sweep: edge q's query reports edge e exactly when their
 // rectangles overlap (and q's overlaps the contour's rectangle, which the query checks first)
 // and edgeHit holds, so every pair of non-degenerate edges with overlapping rectangles is tested
-// both ways. With finite coordinates the rectangles sort by their left sides.
+// both ways. Edges that share a vertex never report each other (each passes through an end of
+// the other's query) and are skipped. With finite coordinates the rectangles sort by their left
+// sides. The edges are formed from the vertices as computeLineSegs() forms them.
 bool xcContour::selfIntersectingSwept() const {
-    if (points_.size() < 2) return false;
-    computeLineSegs();
+    const std::size_t n = points_.size();
+    if (n < 2) return false;
+    const bool closed = isClosed();
+    const std::size_t edges = closed ? n : n - 1;
     const xcRect contourRect = rectOf(xcXform<2>::I);
-    const auto queryHits = [&](std::size_t q, std::size_t e) {
-        xcVector<2> p;
-        return rectsOverlap(contourRect, rects_[q]) &&
-               edgeHit(lineSegs_[e], lines_[e], lineSegs_[q], lines_[q], false, p);
+    struct Box {
+        double minX, maxX, minY, maxY;
+        std::size_t edge;
+        bool operator<(const Box& o) const { return minX < o.minX || (minX == o.minX && edge < o.edge); }
     };
-    std::vector<std::pair<double, std::size_t>> byLeft;
-    byLeft.reserve(rects_.size());
-    for (std::size_t k = 0; k < rects_.size(); ++k)
-        if (validLine_[k]) byLeft.emplace_back(rects_[k].ul().x(), k);
+    std::vector<Box> byLeft;
+    byLeft.reserve(edges);
+    for (std::size_t k = 0; k < edges; ++k) {
+        const xcVector<2>& a = points_[edgeStartVertex(k, n, closed)];
+        const xcVector<2>& b = points_[edgeEndVertex(k, closed)];
+        if (xfRealEq(a, b, kExactTolerance)) continue;
+        byLeft.push_back({std::min(a.x(), b.x()), std::max(a.x(), b.x()), std::min(a.y(), b.y()),
+                          std::max(a.y(), b.y()), k});
+    }
     std::sort(byLeft.begin(), byLeft.end());
+    const auto segment = [&](std::size_t k) {
+        return xcLineSeg(points_[edgeStartVertex(k, n, closed)], points_[edgeEndVertex(k, closed)]);
+    };
+    const auto queryHits = [&](std::size_t q, std::size_t e) {
+        const xcLineSeg query = segment(q);
+        const xcLineSeg edge = segment(e);
+        xcVector<2> p;
+        return rectsOverlap(contourRect, spanRect(query.p1(), query.p2())) &&
+               edgeHit(edge, edge.line(), query, query.line(), false, p);
+    };
+    const auto adjacent = [&](std::size_t a, std::size_t b) {
+        const std::size_t d = a > b ? a - b : b - a;
+        return d == 1 || (closed && d == edges - 1);
+    };
     for (std::size_t i = 0; i < byLeft.size(); ++i) {
-        const std::size_t a = byLeft[i].second;
-        const xcRect& ra = rects_[a];
-        for (std::size_t j = i + 1; j < byLeft.size() && byLeft[j].first <= ra.lr().x(); ++j) {
-            const std::size_t b = byLeft[j].second;
-            if (rects_[b].lr().y() < ra.ul().y() || rects_[b].ul().y() > ra.lr().y()) continue;
-            if (queryHits(a, b) || queryHits(b, a)) return true;
+        const Box& ra = byLeft[i];
+        for (std::size_t j = i + 1; j < byLeft.size() && byLeft[j].minX <= ra.maxX; ++j) {
+            const Box& rb = byLeft[j];
+            if (rb.maxY < ra.minY || rb.minY > ra.maxY || adjacent(ra.edge, rb.edge)) continue;
+            if (queryHits(ra.edge, rb.edge) || queryHits(rb.edge, ra.edge)) return true;
         }
     }
     return false;
