@@ -1,5 +1,6 @@
 // Nearest-point queries: closest point, closest vertex, distance.
 #include <algorithm>
+#include <utility>
 #include <cmath>
 #include <vector>
 
@@ -119,8 +120,10 @@ xcVector<2> xcContour::nearestPointIndexed(const EdgeIndex& index, const xcVecto
             const EdgeNode child{node.level - 1, c};
             children[count++] = {squaredDistance(index.box(child), point), child};
         }
-        std::sort(children, children + count,
-                  [](const Pending& x, const Pending& y) { return x.bound < y.bound; });
+        // Insertion sort: at most kFanOut children.
+        for (std::size_t i = 1; i < count; ++i)
+            for (std::size_t j = i; j > 0 && children[j].bound < children[j - 1].bound; --j)
+                std::swap(children[j], children[j - 1]);
         for (std::size_t i = 0; i < count && children[i].bound <= reachSq; ++i)
             self(children[i].node, self);
     };
