@@ -110,6 +110,74 @@ private:
     double reach_;
 };
 
+// A non-degenerate edge's extent and index.
+struct EdgeSpan {
+    double minX, maxX, minY, maxY;
+    std::size_t edge;
+};
+
+bool overlaps(const EdgeSpan& a, const EdgeSpan& b) {
+    return a.minX <= b.maxX && b.minX <= a.maxX && a.minY <= b.maxY && b.minY <= a.maxY;
+}
+
+// A run of consecutive edges, spans[first, first + count), along which x strictly increases
+// (direction 1) or strictly decreases (-1); a vertical edge is a chain of its own (0).
+struct Chain {
+    std::size_t first;
+    std::size_t count;
+    int direction;
+    EdgeSpan box;
+
+    static Chain of(std::size_t at, const EdgeSpan& s, int direction) { return {at, 1, direction, s}; }
+    void add(const EdgeSpan& s) {
+        ++count;
+        box.minX = std::min(box.minX, s.minX);
+        box.maxX = std::max(box.maxX, s.maxX);
+        box.minY = std::min(box.minY, s.minY);
+        box.maxY = std::max(box.maxY, s.maxY);
+    }
+    // The i-th edge from the left.
+    const EdgeSpan& fromLeft(const std::vector<EdgeSpan>& spans, std::size_t i) const {
+        return spans[direction < 0 ? first + count - 1 - i : first + i];
+    }
+};
+
+// Calls pairHits(a, b) for every edge a of chain A and b of chain B whose x-ranges overlap
+// (touching counts), until one returns true. The x-ranges of a chain, from the left, follow one
+// another, each starting where the previous ends; so the walk advances the edge that ends first,
+// and where both end at the same x also pairs each with the other's next edge, which starts
+// there.
+template <class PairTest>
+bool walkTogether(const std::vector<EdgeSpan>& spans, const Chain& A, const Chain& B,
+                  PairTest pairHits) {
+    std::size_t i = 0;
+    std::size_t j = 0;
+    while (i < A.count && j < B.count) {
+        const EdgeSpan& a = A.fromLeft(spans, i);
+        const EdgeSpan& b = B.fromLeft(spans, j);
+        if (a.maxX < b.minX) {
+            ++i;
+            continue;
+        }
+        if (b.maxX < a.minX) {
+            ++j;
+            continue;
+        }
+        if (pairHits(a, b)) return true;
+        if (a.maxX < b.maxX) {
+            ++i;
+        } else if (b.maxX < a.maxX) {
+            ++j;
+        } else {
+            if (i + 1 < A.count && pairHits(A.fromLeft(spans, i + 1), b)) return true;
+            if (j + 1 < B.count && pairHits(a, B.fromLeft(spans, j + 1))) return true;
+            ++i;
+            ++j;
+        }
+    }
+    return false;
+}
+
 // The largest coordinate magnitude of the segment's ends.
 double maxAbs(const xcLineSeg& seg) {
     return std::max({std::fabs(seg.p1().x()), std::fabs(seg.p1().y()), std::fabs(seg.p2().x()),
@@ -274,55 +342,70 @@ bool xcContour::selfIntersectingPlain() const {
     return false;
 }
 
-// The same pairs tested, found by a sweep: edge q's query reports edge e exactly when their
-// rectangles overlap (and q's overlaps the contour's rectangle, which the query checks first)
-// and edgeHit holds, so every pair of non-degenerate edges with overlapping rectangles is tested
-// both ways. Edges that share a vertex never report each other (each passes through an end of
-// the other's query) and are skipped. With finite coordinates the rectangles sort by their left
-// sides. The edges are formed from the vertices as computeLineSegs() forms them.
+// The same pairs tested, found through x-monotone chains: edge q's query reports edge e exactly
+// when their rectangles overlap (and q's overlaps the contour's rectangle, which the query
+// checks first) and edgeHit holds, so every pair of non-degenerate edges with overlapping
+// rectangles is tested both ways. Edges that share a vertex never report each other (each
+// passes through an end of the other's query) and are skipped. Within a chain of consecutive
+// edges whose x strictly increases (or strictly decreases) the x-ranges of non-adjacent edges are
+// disjoint, so only pairs from two chains can meet; chains are swept by their left ends and two
+// chains whose rectangles overlap are walked together in x. The edges are formed from the
+// vertices as computeLineSegs() forms them.
 bool xcContour::selfIntersectingSwept() const {
     const std::size_t n = points_.size();
     if (n < 2) return false;
     const bool closed = isClosed();
     const std::size_t edges = closed ? n : n - 1;
     const xcRect contourRect = rectOf(xcXform<2>::I);
-    struct Box {
-        double minX, maxX, minY, maxY;
-        std::size_t edge;
-        bool operator<(const Box& o) const { return minX < o.minX || (minX == o.minX && edge < o.edge); }
-    };
-    std::vector<Box> byLeft;
-    byLeft.reserve(edges);
+    std::vector<EdgeSpan> spans;
+    std::vector<Chain> chains;
+    spans.reserve(edges);
     for (std::size_t k = 0; k < edges; ++k) {
         const xcVector<2>& a = points_[edgeStartVertex(k, n, closed)];
         const xcVector<2>& b = points_[edgeEndVertex(k, closed)];
         if (xfRealEq(a, b, kExactTolerance)) continue;
-        byLeft.push_back({std::min(a.x(), b.x()), std::max(a.x(), b.x()), std::min(a.y(), b.y()),
-                          std::max(a.y(), b.y()), k});
+        const int direction = b.x() > a.x() ? 1 : (b.x() < a.x() ? -1 : 0);
+        const bool extends = !chains.empty() && direction != 0 &&
+                             chains.back().direction == direction && spans.back().edge + 1 == k;
+        spans.push_back({std::min(a.x(), b.x()), std::max(a.x(), b.x()), std::min(a.y(), b.y()),
+                         std::max(a.y(), b.y()), k});
+        if (extends)
+            chains.back().add(spans.back());
+        else
+            chains.push_back(Chain::of(spans.size() - 1, spans.back(), direction));
     }
-    std::sort(byLeft.begin(), byLeft.end());
+    std::sort(chains.begin(), chains.end(),
+              [](const Chain& a, const Chain& b) { return a.box.minX < b.box.minX; });
+
     const auto segment = [&](std::size_t k) {
         return xcLineSeg(points_[edgeStartVertex(k, n, closed)], points_[edgeEndVertex(k, closed)]);
     };
+    // Within the index's coordinate limit, an edge wholly beyond the query's line is passed over
+    // before the exact test, as in the indexed segment query.
+    const double scale = std::max({std::fabs(contourRect.ul().x()), std::fabs(contourRect.ul().y()),
+                                   std::fabs(contourRect.lr().x()), std::fabs(contourRect.lr().y()), 1.0});
+    const bool prefilter = scale <= EdgeIndex::kCoordinateLimit;
     const auto queryHits = [&](std::size_t q, std::size_t e) {
         const xcLineSeg query = segment(q);
         const xcLineSeg edge = segment(e);
+        const xcRect queryRect = spanRect(query.p1(), query.p2());
+        if (prefilter && !SegmentReach(query, queryRect, scale).mayReach(edge.p1(), edge.p2()))
+            return false;
         xcVector<2> p;
-        return rectsOverlap(contourRect, spanRect(query.p1(), query.p2())) &&
+        return rectsOverlap(contourRect, queryRect) &&
                edgeHit(edge, edge.line(), query, query.line(), false, p);
     };
-    const auto adjacent = [&](std::size_t a, std::size_t b) {
-        const std::size_t d = a > b ? a - b : b - a;
-        return d == 1 || (closed && d == edges - 1);
+    const auto pairHits = [&](const EdgeSpan& a, const EdgeSpan& b) {
+        if (a.maxY < b.minY || b.maxY < a.minY) return false;
+        const std::size_t d = a.edge > b.edge ? a.edge - b.edge : b.edge - a.edge;
+        if (d == 1 || (closed && d == edges - 1)) return false;
+        return queryHits(a.edge, b.edge) || queryHits(b.edge, a.edge);
     };
-    for (std::size_t i = 0; i < byLeft.size(); ++i) {
-        const Box& ra = byLeft[i];
-        for (std::size_t j = i + 1; j < byLeft.size() && byLeft[j].minX <= ra.maxX; ++j) {
-            const Box& rb = byLeft[j];
-            if (rb.maxY < ra.minY || rb.minY > ra.maxY || adjacent(ra.edge, rb.edge)) continue;
-            if (queryHits(ra.edge, rb.edge) || queryHits(rb.edge, ra.edge)) return true;
-        }
-    }
+    for (std::size_t i = 0; i < chains.size(); ++i)
+        for (std::size_t j = i + 1; j < chains.size() && chains[j].box.minX <= chains[i].box.maxX; ++j)
+            if (overlaps(chains[i].box, chains[j].box) &&
+                walkTogether(spans, chains[i], chains[j], pairHits))
+                return true;
     return false;
 }
 
