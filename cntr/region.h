@@ -130,7 +130,9 @@ class CNTR_API xcRegion : public virtual xcContour {
     /// with `considerHoles`, inside none of the holes, each asked with its own holes considered
     /// (so a point on an island inside a hole is inside). A point within 1e-6 of an outline
     /// vertex counts as inside. Points near an edge but not a vertex get what the ray gives.
-    /// Nothing is cached. Throws EmptyContour for fewer than 2 outline vertices.
+    /// Only the outline's edge index is cached (built by the first call on an outline of a few
+    /// dozen edges or more; see xcContour::intersections). Throws EmptyContour for fewer than 2
+    /// outline vertices.
     bool inside(const xcVector<2>& point, bool considerHoles) const;
 
     // ---- nearest points and intersections ----
