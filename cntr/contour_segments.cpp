@@ -360,6 +360,7 @@ bool xcContour::selfIntersectingSwept() const {
     std::vector<EdgeSpan> spans;
     std::vector<Chain> chains;
     spans.reserve(edges);
+    chains.reserve(edges);  // grown only as used; reallocating would copy every chain
     for (std::size_t k = 0; k < edges; ++k) {
         const xcVector<2>& a = points_[edgeStartVertex(k, n, closed)];
         const xcVector<2>& b = points_[edgeEndVertex(k, closed)];
