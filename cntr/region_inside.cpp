@@ -49,6 +49,8 @@ constexpr double kBoxShrink = 1e-12;
 constexpr double kScaleRounding = 1e-13;
 constexpr double kAngleRounding = 1e-14;
 constexpr double kAngleFloor = 1e-12;
+// Below this many vertices sorting every angle costs less than the best-first search's queues.
+constexpr std::size_t kIndexedContainmentMinVertices = 256;
 // The number of angles the best-first search produces before it gives up on finding a gap
 // early (the wrap-around gap needs them all) and sorts every angle instead.
 constexpr std::size_t kAngleSearchLimit = 256;
@@ -162,8 +164,10 @@ long xcRegion::insideCount(const xcVector<2>& point, bool bothWays, bool plain) 
         return 0;
     const std::vector<xcVector<2>>& p = points();
     const double threshold = xcPi / static_cast<double>(p.size());
-    const EdgeIndex* index =
-        plain || !isClosed() || !EdgeIndex::accepts(point) ? nullptr : edgeIndex();
+    const EdgeIndex* index = plain || !isClosed() || p.size() < kIndexedContainmentMinVertices ||
+                                     !EdgeIndex::accepts(point)
+                                 ? nullptr
+                                 : edgeIndex();
     xcVector<2> direction;
     bool found = false;
     if (index != nullptr) {

@@ -47,6 +47,17 @@ Points unitSquare() {
     return p;
 }
 
+// The square [0, 10]^2 with `perSide` vertices per side, counter-clockwise from (0, 0).
+Points finerSquare(int perSide) {
+    const double step = 10.0 / perSide;
+    Points p;
+    for (int j = 0; j < perSide; ++j) p.emplace_back(j * step, 0);
+    for (int j = 0; j < perSide; ++j) p.emplace_back(10, j * step);
+    for (int j = 0; j < perSide; ++j) p.emplace_back(10 - j * step, 10);
+    for (int j = 0; j < perSide; ++j) p.emplace_back(0, 10 - j * step);
+    return p;
+}
+
 // `count` vertices evenly spaced on the circle of radius 100 about the origin.
 Points ring(int count) {
     Points p;
@@ -408,11 +419,12 @@ TEST(ContourEdgeIndex, SelfIntersectionOfTheSquare) {
 }
 
 TEST(ContourEdgeIndex, InsideTheSquare) {
-    const xcRegion r(unitSquare(), xcContourDefs::keepOutline);
+    // 80 vertices per side (320, enough for the indexed containment), spaced 0.125.
+    const xcRegion r(finerSquare(80), xcContourDefs::keepOutline);
     EXPECT_TRUE(r.inside({5, 5}, false));
     EXPECT_TRUE(r.inside({0.5, 9.5}, false));
     EXPECT_FALSE(r.inside({11, 5}, false));     // outside the bounding rectangle
-    EXPECT_TRUE(r.inside({3, 1e-7}, false));    // within 1e-6 of vertex 3
+    EXPECT_TRUE(r.inside({3, 1e-7}, false));    // within 1e-6 of vertex 24, (3, 0)
     EXPECT_EQ(xcRegionTestAccess::insideCount(r, {5, 5}, false, false), 1);
     ASSERT_NE(xcContourTestAccess::builtIndex(r), nullptr);
 }
