@@ -2,6 +2,7 @@
 #include <cntr/contour.h>
 
 #include <cntr/contour_detail.h>
+#include <cntr/contour_edgeindex.h>
 #include <cntr/tolerances.h>
 #include <foundation/thread.h>
 
@@ -51,6 +52,7 @@ xcContour& xcContour::operator=(const xcContour& other) {
     std::unique_ptr<RectMemo> rectMemo = deepCopy(other.rectMemo_);
     std::unique_ptr<ExtremalVertexMemo> extremalMemo = deepCopy(other.extremalVertexMemo_);
     std::unique_ptr<VertexGridCache> vertexGrids = deepCopy(other.vertexGrids_);
+    std::unique_ptr<EdgeIndex> edgeIndex = deepCopy(other.edgeIndex_);
 
     label_ = other.label_;
     closed_ = other.closed_;
@@ -81,6 +83,8 @@ xcContour& xcContour::operator=(const xcContour& other) {
     medianFeatureSizeValid_ = other.medianFeatureSizeValid_;
     medianFeatureSize_ = other.medianFeatureSize_;
     vertexGrids_ = std::move(vertexGrids);
+    edgeIndexTried_ = other.edgeIndexTried_;
+    edgeIndex_ = std::move(edgeIndex);
     return *this;
 }
 
@@ -146,6 +150,8 @@ void xcContour::deletePointers() const {
     rectMemo_.reset();
     extremalVertexMemo_.reset();
     vertexGrids_.reset();
+    edgeIndex_.reset();
+    edgeIndexTried_ = false;
 }
 
 void xcContour::cleanCacheInfo() {
@@ -189,5 +195,6 @@ xcContour::CacheState xcContour::cacheState() const {
     s.medianFeatureSizeValid = medianFeatureSizeValid_;
     s.medianFeatureSize = medianFeatureSize_;
     s.vertexGrids = vertexGrids_.get();
+    s.edgeIndex = edgeIndex_.get();
     return s;
 }

@@ -17,6 +17,12 @@
 
 class xcArchive;
 class xcRegion;
+struct xcContourTestAccess;
+
+namespace xn_contourDetail {
+class EdgeIndex;
+struct SegmentHit;
+}
 
 // The contour holds its convex hull by a counted handle to a region, a class that derives from
 // the contour. The handle's count operations need the complete region class, so they are
@@ -157,7 +163,10 @@ public:
     /// keys end in the order that sort leaves them. Degenerate edges and edges parallel to
     /// `seg` (within 1e-12) are never reported. With `includeEndTouches` false an edge that
     /// passes within 1e-6 of either end of `seg` is ignored. A crossing exactly through a vertex
-    /// is reported once per edge. Throws EmptyContour.
+    /// is reported once per edge. Throws EmptyContour. On contours of at least a few dozen
+    /// edges with moderate finite coordinates the candidate edges come from the edge index
+    /// (built by the first query that needs it, cached until the next change, under 5 bytes per
+    /// edge), with the same points in the same order as the edge-by-edge loop.
     std::vector<xcVector<2>> intersections(const xcLineSeg& seg, bool includeEndTouches);
     /// The points where the edges of `other` (in edge order, degenerate ones included) cross
     /// this contour, each edge's points in order along it, end touches included; neither sorted
@@ -166,7 +175,10 @@ public:
     std::vector<xcVector<2>> intersections(const xcContour& other);
     /// Whether two non-adjacent edges meet: a crossing, or a vertex lying on a non-adjacent
     /// edge. Collinear overlapping edges are not detected. False without vertices (no check) and
-    /// for a single vertex, whatever its coordinates. Quadratic in the number of edges. Cached.
+    /// for a single vertex, whatever its coordinates. Cached. The result is that of querying
+    /// every edge with the segment query (ends excluded); on contours of finite coordinates the
+    /// pairs of edges whose rectangles overlap are found by a sweep over the edge rectangles
+    /// sorted by x (n log n plus the overlapping pairs) instead of one query per edge.
     bool isSelfIntersecting() const;
     /// The indices of the vertices at a distance below `tolerance` from `point`, ordered by grid
     /// cell (column, then row) and then by index. One lookup grid of cells of side `tolerance`
@@ -178,7 +190,8 @@ public:
 
     /// The point of the contour closest to `point`: with `vertexOnly` the closest vertex;
     /// otherwise the closest point of the edges, the first edge in edge order winning ties.
-    /// Nothing is cached. Throws EmptyContour.
+    /// Nothing but the edge index is cached: where it exists the search visits only the edges
+    /// whose box may hold a point as close, with the same result. Throws EmptyContour.
     xcVector<2> closestPoint(const xcVector<2>& point, bool vertexOnly);
     /// The index of the vertex closest to `point`, the lowest index winning ties. Throws
     /// EmptyContour.
@@ -219,7 +232,7 @@ protected:
     /// rebuild the vertices from their data.
     virtual void makePointsConsistentWithData();
     /// Drops every cached result, in this order: mutating(); delete the rectangle memo, the
-    /// extremal-vertex memo and the vertex grids; clear the mean position, length (value 0) and
+    /// extremal-vertex memo, the vertex grids and the edge index; clear the mean position, length (value 0) and
     /// hull flags (the hull handle is kept until replaced); reset both enclosing-circle flags
     /// (the circle vector keeps 2 entries); clear the ellipse flag (residual 0); clear the
     /// self-intersection, segment, line and rectangle flags (the edge vectors are kept until
@@ -245,6 +258,14 @@ protected:
     /// receives the edge index of each point, in the same order. Throws EmptyContour.
     std::vector<xcVector<2>> intersections(const xcLineSeg& seg, std::vector<int>& edgeIndices,
                                            bool includeEndTouches);
+    /// The number of points intersections(seg, includeEndTouches) gives, without ordering them.
+    /// Throws EmptyContour.
+    /// With `plain` the edge-by-edge loop is used whatever the index (the reference the indexed
+    /// path is tested against).
+    std::size_t hitCount(const xcLineSeg& seg, bool includeEndTouches, bool plain = false) const;
+    /// The edge index, built on first demand (see intersections(seg, includeEndTouches)); null
+    /// for contours that do not get one.
+    const xn_contourDetail::EdgeIndex* edgeIndex() const;
     /// The median edge length: the element at index count / 2 of the ascending edge lengths
     /// (the upper middle one for an even count), degenerate edges counting 0. NaN lengths sort
     /// after every number. Cached. Throws EmptyContour.
@@ -271,10 +292,14 @@ protected:
         bool medianFeatureSizeValid;
         double medianFeatureSize;
         const xn_contourDetail::VertexGridCache* vertexGrids;
+        /// The edge index, null until a query built it (and for contours that do not get one).
+        const xn_contourDetail::EdgeIndex* edgeIndex;
     };
     CacheState cacheState() const;
 
 private:
+    friend struct xcContourTestAccess;
+
     static xcPersistent* make();
     static xc_Instantiator sExemplar;
 
@@ -282,8 +307,16 @@ private:
     xcRect rectOf(const xcXform<2>& xform) const;
     xcCircle circleOf(xcContourDefs::DiameterMode mode) const;
     std::vector<xcVector<2>> hitsAlong(const xcLineSeg& seg, std::vector<int>& edgeIndices,
-                                       bool includeEndTouches) const;
-    xcVector<2> nearestPoint(const xcVector<2>& point, bool vertexOnly) const;
+                                       bool includeEndTouches, bool plain = false) const;
+    // The hits of the segment query in edge order, from the index where it serves, else from
+    // every edge (always with `plain`).
+    void collectHits(const xcLineSeg& seg, bool includeEndTouches, bool plain,
+                     std::vector<xn_contourDetail::SegmentHit>& hits) const;
+    bool selfIntersectingPlain() const;
+    bool selfIntersectingSwept() const;
+    xcVector<2> nearestPoint(const xcVector<2>& point, bool vertexOnly, bool plain = false) const;
+    xcVector<2> nearestPointIndexed(const xn_contourDetail::EdgeIndex& index,
+                                    const xcVector<2>& point) const;
     void serializeVersion1(xcArchive& ar);
     void loadVersion0(xcArchive& ar);
 
@@ -316,6 +349,10 @@ private:
     mutable bool medianFeatureSizeValid_ = false;
     mutable double medianFeatureSize_ = 0.0;
     mutable std::unique_ptr<xn_contourDetail::VertexGridCache> vertexGrids_;
+    // The edge index (see contour_edgeindex.h: under 5 bytes per edge) and whether building it
+    // was tried since the last change.
+    mutable bool edgeIndexTried_ = false;
+    mutable std::unique_ptr<xn_contourDetail::EdgeIndex> edgeIndex_;
 };
 
 #endif

@@ -32,6 +32,12 @@ void forEachEdge(std::size_t n, bool closed, EdgeFunction edge) {
     }
 }
 
+/// The vertices edge k of a contour of n vertices starts and ends at (see forEachEdge).
+inline std::size_t edgeStartVertex(std::size_t k, std::size_t n, bool closed) {
+    return closed ? (k == 0 ? n - 1 : k - 1) : k;
+}
+inline std::size_t edgeEndVertex(std::size_t k, bool closed) { return closed ? k : k + 1; }
+
 /// The base part of shapes in version-0 archives: its own version byte (0) followed by the
 /// xcPersistent record. Kept only to read those records: each reader keeps one instance, which
 /// is visited (and so read) once per archive. A version byte other than 0 throws

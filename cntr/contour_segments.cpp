@@ -1,29 +1,187 @@
 // The edge cache and the queries built on it: segment and contour intersections,
 // self-intersection and the median edge length.
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 #include <cntr/contour.h>
 #include <cntr/contour_detail.h>
+#include <cntr/contour_edgeindex.h>
 #include <cntr/tolerances.h>
 
 using namespace xn_contourDetail;
 
 namespace {
 
-struct Hit {
-    xcVector<2> point;
-    int edge;
-};
+using Hit = SegmentHit;
+
+// Up to this many hits the exchange sort is as fast as anything else.
+constexpr std::size_t kExchangeSortLimit = 16;
+
+// Sorts the hits by their keys when the keys are numbers, all distinct: the one ascending order,
+// which any correct sort leaves. False, changing nothing, when two keys are equal or one is NaN.
+template <class Key>
+bool orderByDistinctKeys(std::vector<Hit>& hits, Key key) {
+    std::vector<std::pair<double, std::size_t>> keyed;
+    keyed.reserve(hits.size());
+    for (std::size_t i = 0; i < hits.size(); ++i) keyed.emplace_back(key(hits[i]), i);
+    for (const auto& k : keyed)
+        if (k.first != k.first) return false;
+    std::sort(keyed.begin(), keyed.end());
+    for (std::size_t i = 1; i < keyed.size(); ++i)
+        if (!(keyed[i - 1].first < keyed[i].first)) return false;
+    std::vector<Hit> ordered;
+    ordered.reserve(hits.size());
+    for (const auto& k : keyed) ordered.push_back(hits[k.second]);
+    hits = std::move(ordered);
+    return true;
+}
 
 // Orders hits along the query by (P - p1) . (p2 - p1) with the plain exchange sort: for each i,
 // every later hit with a strictly smaller key is swapped into place i. The sort is not stable;
-// the order it leaves among equal keys is part of the result.
+// the order it leaves among equal keys is part of the result. With distinct keys that order is
+// the ascending one, so many hits are sorted in n log n when their keys are distinct.
 void orderAlong(std::vector<Hit>& hits, const xcLineSeg& seg) {
     const xcVector<2> d = seg.p2() - seg.p1();
     const auto key = [&](const Hit& h) { return (h.point - seg.p1()).dot(d); };
+    if (hits.size() > kExchangeSortLimit && orderByDistinctKeys(hits, key)) return;
     for (std::size_t i = 0; i + 1 < hits.size(); ++i)
         for (std::size_t j = i + 1; j < hits.size(); ++j)
             if (key(hits[i]) > key(hits[j])) std::swap(hits[i], hits[j]);
+}
+
+// The segment query's test of one non-degenerate edge whose rectangle overlaps the query's:
+// not parallel, not touching an end of the query unless `includeEndTouches`, and a crossing
+// point `p` within the coincidence tolerance of both.
+bool edgeHit(const xcLineSeg& edge, const xcLine& edgeLine, const xcLineSeg& seg,
+             const xcLine& queryLine, bool includeEndTouches, xcVector<2>& p) {
+    if (edgeLine.isParallel(queryLine)) return false;
+    if (!includeEndTouches && !(edge.distToPoint(seg.p1()) > kCoincidentTolerance &&
+                                edge.distToPoint(seg.p2()) > kCoincidentTolerance))
+        return false;
+    p = edgeLine.intersect(queryLine);
+    return edge.distToPoint(p) < kCoincidentTolerance && seg.distToPoint(p) < kCoincidentTolerance;
+}
+
+// How far beyond the query's line an edge may lie and still report a hit: a hit point is within
+// the coincidence tolerance of both, so the edge within twice that of the query's line; doubled
+// again for the rounding of the distances, which stays below 1e-8 at the index's coordinate
+// limit.
+constexpr double kReachTolerance = 4.0 * kCoincidentTolerance;
+// The bound on the rounding error of a cross product of two differences of coordinates of
+// magnitude at most M, as a multiple of M * M (about 24 units in the last place, rounded up
+// generously).
+constexpr double kCrossRounding = 1e-13;
+
+// Whether a box of the index may hold an edge that hits the query: its box overlaps the query's
+// rectangle (exactly the rectangle test of the edge-by-edge loop) and its corners are not all
+// beyond the query's line by more than the reach.
+class SegmentReach {
+public:
+    SegmentReach(const xcLineSeg& seg, const xcRect& rect, double scale)
+        : p1_(seg.p1()), d_(seg.delta()), rect_(rect),
+          reach_(kReachTolerance * d_.length() + kCrossRounding * scale * scale) {}
+
+    bool operator()(const EdgeBox& b) const {
+        if (b.maxX < rect_.ul().x() || b.minX > rect_.lr().x() || b.maxY < rect_.ul().y() ||
+            b.minY > rect_.lr().y())
+            return false;
+        const double c[4] = {side(b.minX, b.minY), side(b.maxX, b.minY), side(b.minX, b.maxY),
+                             side(b.maxX, b.maxY)};
+        const bool allLeft = c[0] > reach_ && c[1] > reach_ && c[2] > reach_ && c[3] > reach_;
+        const bool allRight = c[0] < -reach_ && c[1] < -reach_ && c[2] < -reach_ && c[3] < -reach_;
+        return !allLeft && !allRight;
+    }
+
+    // Whether the edge from a to b may hit: its ends are not both beyond the query's line on
+    // the same side (the edge lies between them).
+    bool mayReach(const xcVector<2>& a, const xcVector<2>& b) const {
+        const double ca = side(a.x(), a.y());
+        const double cb = side(b.x(), b.y());
+        return !((ca > reach_ && cb > reach_) || (ca < -reach_ && cb < -reach_));
+    }
+
+private:
+    double side(double x, double y) const { return d_.cross(xcVector<2>(x, y) - p1_); }
+
+    xcVector<2> p1_;
+    xcVector<2> d_;
+    xcRect rect_;
+    double reach_;
+};
+
+// A non-degenerate edge's extent and index.
+struct EdgeSpan {
+    double minX, maxX, minY, maxY;
+    std::size_t edge;
+};
+
+bool overlaps(const EdgeSpan& a, const EdgeSpan& b) {
+    return a.minX <= b.maxX && b.minX <= a.maxX && a.minY <= b.maxY && b.minY <= a.maxY;
+}
+
+// A run of consecutive edges, spans[first, first + count), along which x strictly increases
+// (direction 1) or strictly decreases (-1); a vertical edge is a chain of its own (0).
+struct Chain {
+    std::size_t first;
+    std::size_t count;
+    int direction;
+    EdgeSpan box;
+
+    static Chain of(std::size_t at, const EdgeSpan& s, int direction) { return {at, 1, direction, s}; }
+    void add(const EdgeSpan& s) {
+        ++count;
+        box.minX = std::min(box.minX, s.minX);
+        box.maxX = std::max(box.maxX, s.maxX);
+        box.minY = std::min(box.minY, s.minY);
+        box.maxY = std::max(box.maxY, s.maxY);
+    }
+    // The i-th edge from the left.
+    const EdgeSpan& fromLeft(const std::vector<EdgeSpan>& spans, std::size_t i) const {
+        return spans[direction < 0 ? first + count - 1 - i : first + i];
+    }
+};
+
+// Calls pairHits(a, b) for every edge a of chain A and b of chain B whose x-ranges overlap
+// (touching counts), until one returns true. The x-ranges of a chain, from the left, follow one
+// another, each starting where the previous ends; so the walk advances the edge that ends first,
+// and where both end at the same x also pairs each with the other's next edge, which starts
+// there.
+template <class PairTest>
+bool walkTogether(const std::vector<EdgeSpan>& spans, const Chain& A, const Chain& B,
+                  PairTest pairHits) {
+    std::size_t i = 0;
+    std::size_t j = 0;
+    while (i < A.count && j < B.count) {
+        const EdgeSpan& a = A.fromLeft(spans, i);
+        const EdgeSpan& b = B.fromLeft(spans, j);
+        if (a.maxX < b.minX) {
+            ++i;
+            continue;
+        }
+        if (b.maxX < a.minX) {
+            ++j;
+            continue;
+        }
+        if (pairHits(a, b)) return true;
+        if (a.maxX < b.maxX) {
+            ++i;
+        } else if (b.maxX < a.maxX) {
+            ++j;
+        } else {
+            if (i + 1 < A.count && pairHits(A.fromLeft(spans, i + 1), b)) return true;
+            if (j + 1 < B.count && pairHits(a, B.fromLeft(spans, j + 1))) return true;
+            ++i;
+            ++j;
+        }
+    }
+    return false;
+}
+
+// The largest coordinate magnitude of the segment's ends.
+double maxAbs(const xcLineSeg& seg) {
+    return std::max({std::fabs(seg.p1().x()), std::fabs(seg.p1().y()), std::fabs(seg.p2().x()),
+                     std::fabs(seg.p2().y())});
 }
 
 // Ascending order of edge lengths, NaN after every number so that the sort stays well defined.
@@ -82,29 +240,56 @@ std::vector<xcVector<2>> xcContour::intersections(const xcLineSeg& seg, bool inc
     return hitsAlong(seg, edgeIndices, includeEndTouches);
 }
 
-std::vector<xcVector<2>> xcContour::hitsAlong(const xcLineSeg& seg, std::vector<int>& edgeIndices,
-                                              bool includeEndTouches) const {
-    checkEmptyContour();
-    edgeIndices.clear();
-    std::vector<xcVector<2>> points;
+const EdgeIndex* xcContour::edgeIndex() const {
+    if (!edgeIndexTried_) {
+        edgeIndex_ = EdgeIndex::build(points_, isClosed());
+        edgeIndexTried_ = true;
+    }
+    return edgeIndex_.get();
+}
+
+void xcContour::collectHits(const xcLineSeg& seg, bool includeEndTouches, bool plain,
+                            std::vector<SegmentHit>& hits) const {
     const xcLine queryLine = seg.line();
     const xcRect queryRect = spanRect(seg.p1(), seg.p2());
-    if (!rectsOverlap(rectOf(xcXform<2>::I), queryRect)) return points;
-    computeLineSegs();
-
-    std::vector<Hit> hits;
-    for (std::size_t k = 0; k < lineSegs_.size(); ++k) {
-        if (!validLine_[k] || !rectsOverlap(rects_[k], queryRect) || lines_[k].isParallel(queryLine))
-            continue;
-        if (!includeEndTouches && !(lineSegs_[k].distToPoint(seg.p1()) > kCoincidentTolerance &&
-                                    lineSegs_[k].distToPoint(seg.p2()) > kCoincidentTolerance))
-            continue;
-        const xcVector<2> p = lines_[k].intersect(queryLine);
-        if (lineSegs_[k].distToPoint(p) < kCoincidentTolerance && seg.distToPoint(p) < kCoincidentTolerance)
-            hits.push_back({p, static_cast<int>(k)});
+    if (!rectsOverlap(rectOf(xcXform<2>::I), queryRect)) return;
+    const EdgeIndex* index = plain ? nullptr : edgeIndex();
+    if (index == nullptr || !EdgeIndex::accepts(seg.p1()) || !EdgeIndex::accepts(seg.p2())) {
+        computeLineSegs();
+        xcVector<2> p;
+        for (std::size_t k = 0; k < lineSegs_.size(); ++k)
+            if (validLine_[k] && rectsOverlap(rects_[k], queryRect) &&
+                edgeHit(lineSegs_[k], lines_[k], seg, queryLine, includeEndTouches, p))
+                hits.push_back({p, static_cast<int>(k)});
+        return;
     }
+    // The edges are formed from the vertices as computeLineSegs() forms them, so the tests see
+    // the same doubles without the edge cache being built.
+    const std::size_t n = points_.size();
+    const bool closed = isClosed();
+    const SegmentReach reach(seg, queryRect, std::max(index->scale(), maxAbs(seg)));
+    index->forEachCandidate(reach, [&](std::size_t k) {
+        const xcVector<2>& start = points_[edgeStartVertex(k, n, closed)];
+        const xcVector<2>& end = points_[edgeEndVertex(k, closed)];
+        if (!reach.mayReach(start, end) || xfRealEq(start, end, kExactTolerance) ||
+            !rectsOverlap(spanRect(start, end), queryRect))
+            return;
+        const xcLineSeg edge(start, end);
+        xcVector<2> p;
+        if (edgeHit(edge, edge.line(), seg, queryLine, includeEndTouches, p))
+            hits.push_back({p, static_cast<int>(k)});
+    });
+}
+
+std::vector<xcVector<2>> xcContour::hitsAlong(const xcLineSeg& seg, std::vector<int>& edgeIndices,
+                                              bool includeEndTouches, bool plain) const {
+    checkEmptyContour();
+    edgeIndices.clear();
+    std::vector<Hit> hits;
+    collectHits(seg, includeEndTouches, plain, hits);
     orderAlong(hits, seg);
 
+    std::vector<xcVector<2>> points;
     points.reserve(hits.size());
     edgeIndices.reserve(hits.size());
     for (const Hit& h : hits) {
@@ -112,6 +297,13 @@ std::vector<xcVector<2>> xcContour::hitsAlong(const xcLineSeg& seg, std::vector<
         edgeIndices.push_back(h.edge);
     }
     return points;
+}
+
+std::size_t xcContour::hitCount(const xcLineSeg& seg, bool includeEndTouches, bool plain) const {
+    checkEmptyContour();
+    std::vector<Hit> hits;
+    collectHits(seg, includeEndTouches, plain, hits);
+    return hits.size();
 }
 
 std::vector<xcVector<2>> xcContour::intersections(const xcContour& other) {
@@ -129,21 +321,93 @@ std::vector<xcVector<2>> xcContour::intersections(const xcContour& other) {
 bool xcContour::isSelfIntersecting() const {
     if (points_.empty()) return false;
     if (selfIntersectingValid_) return selfIntersecting_;
+    const bool finite = std::all_of(points_.begin(), points_.end(), [](const xcVector<2>& p) {
+        return std::isfinite(p.x()) && std::isfinite(p.y());
+    });
+    selfIntersecting_ = finite ? selfIntersectingSwept() : selfIntersectingPlain();
+    selfIntersectingValid_ = true;
+    return selfIntersecting_;
+}
+
+// The definition: one segment query (ends excluded) per non-degenerate edge.
+bool xcContour::selfIntersectingPlain() const {
     computeLineSegs();
-    selfIntersecting_ = false;
     std::vector<int> unusedIndices;
     // One vertex has a single edge, which meets nothing. (A NaN vertex would make that edge look
     // non-degenerate and the query would refuse the contour as empty.)
     const std::size_t edges = points_.size() < 2 ? 0 : lineSegs_.size();
+    for (std::size_t k = 0; k < edges; ++k)
+        if (validLine_[k] && !hitsAlong(lineSegs_[k], unusedIndices, false, true).empty())
+            return true;
+    return false;
+}
+
+// The same pairs tested, found through x-monotone chains: edge q's query reports edge e exactly
+// when their rectangles overlap (and q's overlaps the contour's rectangle, which the query
+// checks first) and edgeHit holds, so every pair of non-degenerate edges with overlapping
+// rectangles is tested both ways. Edges that share a vertex never report each other (each
+// passes through an end of the other's query) and are skipped. Within a chain of consecutive
+// edges whose x strictly increases (or strictly decreases) the x-ranges of non-adjacent edges are
+// disjoint, so only pairs from two chains can meet; chains are swept by their left ends and two
+// chains whose rectangles overlap are walked together in x. The edges are formed from the
+// vertices as computeLineSegs() forms them.
+bool xcContour::selfIntersectingSwept() const {
+    const std::size_t n = points_.size();
+    if (n < 2) return false;
+    const bool closed = isClosed();
+    const std::size_t edges = closed ? n : n - 1;
+    const xcRect contourRect = rectOf(xcXform<2>::I);
+    std::vector<EdgeSpan> spans;
+    std::vector<Chain> chains;
+    spans.reserve(edges);
+    chains.reserve(edges);  // grown only as used; reallocating would copy every chain
     for (std::size_t k = 0; k < edges; ++k) {
-        if (!validLine_[k]) continue;
-        if (!hitsAlong(lineSegs_[k], unusedIndices, false).empty()) {
-            selfIntersecting_ = true;
-            break;
-        }
+        const xcVector<2>& a = points_[edgeStartVertex(k, n, closed)];
+        const xcVector<2>& b = points_[edgeEndVertex(k, closed)];
+        if (xfRealEq(a, b, kExactTolerance)) continue;
+        const int direction = b.x() > a.x() ? 1 : (b.x() < a.x() ? -1 : 0);
+        const bool extends = !chains.empty() && direction != 0 &&
+                             chains.back().direction == direction && spans.back().edge + 1 == k;
+        spans.push_back({std::min(a.x(), b.x()), std::max(a.x(), b.x()), std::min(a.y(), b.y()),
+                         std::max(a.y(), b.y()), k});
+        if (extends)
+            chains.back().add(spans.back());
+        else
+            chains.push_back(Chain::of(spans.size() - 1, spans.back(), direction));
     }
-    selfIntersectingValid_ = true;
-    return selfIntersecting_;
+    std::sort(chains.begin(), chains.end(),
+              [](const Chain& a, const Chain& b) { return a.box.minX < b.box.minX; });
+
+    const auto segment = [&](std::size_t k) {
+        return xcLineSeg(points_[edgeStartVertex(k, n, closed)], points_[edgeEndVertex(k, closed)]);
+    };
+    // Within the index's coordinate limit, an edge wholly beyond the query's line is passed over
+    // before the exact test, as in the indexed segment query.
+    const double scale = std::max({std::fabs(contourRect.ul().x()), std::fabs(contourRect.ul().y()),
+                                   std::fabs(contourRect.lr().x()), std::fabs(contourRect.lr().y()), 1.0});
+    const bool prefilter = scale <= EdgeIndex::kCoordinateLimit;
+    const auto queryHits = [&](std::size_t q, std::size_t e) {
+        const xcLineSeg query = segment(q);
+        const xcLineSeg edge = segment(e);
+        const xcRect queryRect = spanRect(query.p1(), query.p2());
+        if (prefilter && !SegmentReach(query, queryRect, scale).mayReach(edge.p1(), edge.p2()))
+            return false;
+        xcVector<2> p;
+        return rectsOverlap(contourRect, queryRect) &&
+               edgeHit(edge, edge.line(), query, query.line(), false, p);
+    };
+    const auto pairHits = [&](const EdgeSpan& a, const EdgeSpan& b) {
+        if (a.maxY < b.minY || b.maxY < a.minY) return false;
+        const std::size_t d = a.edge > b.edge ? a.edge - b.edge : b.edge - a.edge;
+        if (d == 1 || (closed && d == edges - 1)) return false;
+        return queryHits(a.edge, b.edge) || queryHits(b.edge, a.edge);
+    };
+    for (std::size_t i = 0; i < chains.size(); ++i)
+        for (std::size_t j = i + 1; j < chains.size() && chains[j].box.minX <= chains[i].box.maxX; ++j)
+            if (overlaps(chains[i].box, chains[j].box) &&
+                walkTogether(spans, chains[i], chains[j], pairHits))
+                return true;
+    return false;
 }
 
 double xcContour::medianFeatureSize() const {

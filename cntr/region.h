@@ -130,7 +130,9 @@ class CNTR_API xcRegion : public virtual xcContour {
     /// with `considerHoles`, inside none of the holes, each asked with its own holes considered
     /// (so a point on an island inside a hole is inside). A point within 1e-6 of an outline
     /// vertex counts as inside. Points near an edge but not a vertex get what the ray gives.
-    /// Nothing is cached. Throws EmptyContour for fewer than 2 outline vertices.
+    /// Only the outline's edge index is cached (built by the first call on an outline of a few
+    /// dozen edges or more; see xcContour::intersections). Throws EmptyContour for fewer than 2
+    /// outline vertices.
     bool inside(const xcVector<2>& point, bool considerHoles) const;
 
     // ---- nearest points and intersections ----
@@ -251,7 +253,12 @@ class CNTR_API xcRegion : public virtual xcContour {
     /// length of the outline's diameter; with `bothWays`, the smaller of the counts of that ray
     /// and the opposite one (the first on a tie). 0 outside the bounding rectangle, 1 within
     /// 1e-6 of a vertex. Holes take no part.
-    long insideCount(const xcVector<2>& point, bool bothWays) const;
+    /// With `plain` the direction comes from sorting every vertex angle and the crossings from
+    /// the edge-by-edge loop (the reference the indexed path is tested against); otherwise, on
+    /// outlines with an edge index, the vertex near the point and the smallest angles are found
+    /// through the index (falling back to the sort when no gap shows among the first angles)
+    /// and the crossings are counted through it, with the same result.
+    long insideCount(const xcVector<2>& point, bool bothWays, bool plain = false) const;
     /// The walk engine of regularize (`full` false) and outerHull (`full` true), uncached: it
     /// assigns the walk's (or the outer loop's) region to `result`. Throws EmptyContour for
     /// fewer than 3 vertices, and what regularize and outerHull describe.

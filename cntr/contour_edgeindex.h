@@ -1,0 +1,107 @@
+// The contour's edge index: a packed hierarchy of boxes over the edges in edge order (internal
+// header, not installed).
+#ifndef CNTR_CONTOUR_EDGEINDEX_H
+#define CNTR_CONTOUR_EDGEINDEX_H
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include <foundation/vector.h>
+
+namespace xn_contourDetail {
+
+/// A point found by the segment query and the index of the edge that gave it.
+struct SegmentHit {
+    xcVector<2> point;
+    int edge;
+};
+
+/// An axis-aligned box held as its extreme coordinates; a box of no edge has min > max.
+struct EdgeBox {
+    double minX;
+    double minY;
+    double maxX;
+    double maxY;
+};
+
+/// A node of the index: `level` 0 holds the leaves, each of up to kFanOut consecutive edges;
+/// a node at level l > 0 groups up to kFanOut consecutive nodes of level l - 1.
+struct EdgeNode {
+    std::size_t level;
+    std::size_t index;
+};
+
+/// Boxes over the edges of a contour, kFanOut consecutive edges per leaf and kFanOut
+/// consecutive nodes per parent, so that a depth-first walk visits the edges in edge order. Each
+/// box holds both end vertices of every edge below it (degenerate edges included), so every
+/// vertex of the contour lies in the leaf of an edge that ends or starts at it.
+///
+/// Cost: about 32 / (kFanOut - 1) bytes per edge (under 5 bytes with kFanOut 8), built in one
+/// pass over the vertices. Built only for contours of at least kMinEdges edges whose
+/// coordinates are finite and at most kCoordinateLimit in magnitude: on other contours the
+/// queries keep their plain per-edge loops, whose rounding the index's margins do not cover.
+class EdgeIndex {
+public:
+    static constexpr std::size_t kFanOut = 8;
+    /// Below this many edges the plain loops are as fast as a walk of the index.
+    static constexpr std::size_t kMinEdges = 32;
+    /// The largest coordinate magnitude for which the pruning margins hold.
+    static constexpr double kCoordinateLimit = 1e7;
+
+    /// The index of the contour's edges, or null when the contour does not qualify (see above).
+    static std::unique_ptr<EdgeIndex> build(const std::vector<xcVector<2>>& points, bool closed);
+
+    /// Whether every coordinate of `p` is finite and within kCoordinateLimit.
+    static bool accepts(const xcVector<2>& p);
+
+    /// The largest coordinate magnitude of the vertices, at least 1.
+    double scale() const { return scale_; }
+    std::size_t edgeCount() const { return edges_; }
+    /// The memory the index holds, its boxes and itself.
+    std::size_t bytes() const {
+        std::size_t total = sizeof(*this) + levels_.capacity() * sizeof(levels_[0]);
+        for (const std::vector<EdgeBox>& level : levels_) total += level.capacity() * sizeof(EdgeBox);
+        return total;
+    }
+    EdgeNode root() const { return {levels_.size() - 1, 0}; }
+    const EdgeBox& box(const EdgeNode& node) const { return levels_[node.level][node.index]; }
+    /// The children of a node above the leaves: [first, last) at level node.level - 1.
+    std::size_t firstChild(const EdgeNode& node) const { return node.index * kFanOut; }
+    std::size_t lastChild(const EdgeNode& node) const;
+    /// The edges of a leaf: [firstEdge, lastEdge).
+    std::size_t firstEdge(const EdgeNode& leaf) const { return leaf.index * kFanOut; }
+    std::size_t lastEdge(const EdgeNode& leaf) const;
+
+    /// Calls edge(k) for every edge k below a node whose box passes `mayHold`, in ascending
+    /// edge order.
+    template <class NodeTest, class EdgeVisit>
+    void forEachCandidate(NodeTest mayHold, EdgeVisit edge) const {
+        walk(root(), mayHold, edge);
+    }
+
+private:
+    EdgeIndex() = default;
+
+    template <class NodeTest, class EdgeVisit>
+    void walk(const EdgeNode& node, NodeTest& mayHold, EdgeVisit& edge) const {
+        if (!mayHold(box(node))) return;
+        if (node.level == 0) {
+            for (std::size_t k = firstEdge(node); k < lastEdge(node); ++k) edge(k);
+            return;
+        }
+        for (std::size_t c = firstChild(node); c < lastChild(node); ++c)
+            walk(EdgeNode{node.level - 1, c}, mayHold, edge);
+    }
+
+    std::size_t edges_ = 0;
+    double scale_ = 1.0;
+    std::vector<std::vector<EdgeBox>> levels_;
+};
+
+/// The squared distance from `p` to the nearest point of `b` (0 inside).
+double squaredDistance(const EdgeBox& b, const xcVector<2>& p);
+
+}  // namespace xn_contourDetail
+
+#endif

@@ -1,0 +1,36 @@
+// The tests' access to the contour's private reference paths (a friend of xcContour): the
+// edge-by-edge definitions that the indexed queries must reproduce.
+#ifndef CNTR_TESTS_CONTOUR_ACCESS_H
+#define CNTR_TESTS_CONTOUR_ACCESS_H
+
+#include <vector>
+
+#include <cntr/contour.h>
+
+struct xcContourTestAccess {
+    static std::vector<xcVector<2>> plainIntersections(const xcContour& c, const xcLineSeg& seg,
+                                                       std::vector<int>& edges,
+                                                       bool includeEndTouches) {
+        return c.hitsAlong(seg, edges, includeEndTouches, true);
+    }
+    static std::vector<xcVector<2>> intersections(const xcContour& c, const xcLineSeg& seg,
+                                                  std::vector<int>& edges, bool includeEndTouches) {
+        return c.hitsAlong(seg, edges, includeEndTouches, false);
+    }
+    static bool plainSelfIntersecting(const xcContour& c) { return c.selfIntersectingPlain(); }
+    static bool sweptSelfIntersecting(const xcContour& c) { return c.selfIntersectingSwept(); }
+    static xcVector<2> plainClosestPoint(const xcContour& c, const xcVector<2>& p) {
+        return c.nearestPoint(p, false, true);
+    }
+    static xcVector<2> closestPoint(const xcContour& c, const xcVector<2>& p) {
+        return c.nearestPoint(p, false, false);
+    }
+    /// The edge index, built first when the contour qualifies.
+    static const xn_contourDetail::EdgeIndex* edgeIndex(const xcContour& c) { return c.edgeIndex(); }
+    /// The edge index as the caches hold it, null unless a query built it.
+    static const xn_contourDetail::EdgeIndex* builtIndex(const xcContour& c) {
+        return c.edgeIndex_.get();
+    }
+};
+
+#endif
