@@ -24,6 +24,7 @@
 #include <cntrtmpl/regiont.h>
 #include <foundation/archive.h>
 #include <foundation/exception.h>
+#include <foundation/fit.h>
 #include <foundation/xform.h>
 
 namespace {
@@ -134,6 +135,19 @@ void archiveSeeds(const std::string& dir) {
     putError("error_unknownversion", new xcArchive::UnknownVersion("cntr/region", 822));
     putError("error_singular", new xcMathError::Singular(L"singular"));
     putError("error_badwindow", new xcPel::BadWindow());
+    putError("error_notfinite", new xcMathError::NotFinite());
+    putError("error_badformat", new xcArchive::BadFormat());
+    putError("error_truncated", new xcArchive::Truncated());
+    putError("error_unknownclass", new xcArchive::UnknownClass());
+    putError("error_badreference", new xcArchive::BadReference());
+    putError("error_counttoolarge", new xcArchive::CountTooLarge());
+    putError("error_fileerror", new xcArchive::FileError());
+    putError("error_valueoutofrange", new xcArchive::ValueOutOfRange());
+    putError("error_baddata", new xcArchive::BadData());
+    putError("error_unregisteredclass", new xcArchive::UnregisteredClass());
+    putError("error_toofewpoints", new xcFitError::TooFewPoints());
+    putError("error_degenerate", new xcFitError::Degenerate());
+    putError("error_rmstoolarge", new xcFitError::RmsTooLarge(L"r\u00e9sidu \u2260 0"));
 }
 
 // Legacy records, which the library reads but never writes, laid out by hand.
