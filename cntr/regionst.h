@@ -46,10 +46,6 @@ class xcArchive;
 /// refuse one with xcContourDefs::BadParams ("region set cannot hold a null region"), loading
 /// refuses a member of another class with xcArchive::BadData, before anything is changed.
 ///
-/// area() is a const member that counts its cache fill as a change too; the change count lives
-/// in the persistence base, outside the mutable caches, so area() must not be called on a set
-/// that was itself defined const (a const reference to a set is fine).
-///
 /// Not thread-safe: even const queries write the caches. Separate sets may be used from
 /// separate threads, provided they do not share regions.
 class CNTR_API xcRegionSet : public virtual xcPersistent, public virtual xcRepBase {

@@ -36,9 +36,8 @@ double xcRegionSet::area(bool considerHoles) const {
         sum += region->area(considerHoles);
     slot.value = sum;
     slot.valid = true;
-    // A cache fill counts as a change of the set. The change count is not a mutable member of
-    // the persistence base, so this const query reaches it through a cast.
-    const_cast<xcRegionSet*>(this)->mutating();
+    // A cache fill counts as a change of the set.
+    mutating();
     return sum;
 }
 

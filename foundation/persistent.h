@@ -21,8 +21,9 @@ class FOUNDATION_API xcPersistent {
 
     /// How many times mutating() was called on this object.
     unsigned long changeCount() const { return changeCount_; }
-    /// Records that the object changed (increments changeCount()).
-    void mutating() { ++changeCount_; }
+    /// Records that the object changed (increments changeCount()). Const because filling a
+    /// cache from a const query may count as a change; the count is bookkeeping, not state.
+    void mutating() const { ++changeCount_; }
 
     /// Stores this part of the object to `ar`, or loads it from `ar`. The record of xcPersistent
     /// itself is one version byte, 0; any other byte on loading throws xcArchive::UnknownVersion
@@ -74,7 +75,7 @@ class FOUNDATION_API xcPersistent {
     static unsigned char transferVersion(xcArchive& ar, unsigned char currentVersion);
 
   private:
-    unsigned long changeCount_ = 0;
+    mutable unsigned long changeCount_ = 0;
 };
 
 /// Registers a persistent class with the archive loader under a stable name derived from its

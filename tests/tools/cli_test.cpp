@@ -1,0 +1,102 @@
+#include "cli.h"
+
+#include <gtest/gtest.h>
+
+#include "errors.h"
+
+using cntrtool::Command;
+using cntrtool::Options;
+using cntrtool::parseCommandLine;
+using cntrtool::UsageError;
+
+namespace {
+
+std::string usageErrorOf(const std::vector<std::string>& args) {
+    try {
+        parseCommandLine(args);
+    } catch (const UsageError& e) {
+        return e.what();
+    }
+    return "";
+}
+
+}  // namespace
+
+TEST(CommandLine, NoArgumentsAskForTheOverview) {
+    const Options o = parseCommandLine({});
+    EXPECT_EQ(o.command, Command::help);
+    EXPECT_EQ(o.helpFor, Command::help);
+    EXPECT_NE(cntrtool::helpText(Command::help).find("usage: cntrtool COMMAND"), std::string::npos);
+}
+
+TEST(CommandLine, HelpNamesOneCommand) {
+    EXPECT_EQ(parseCommandLine({"help", "render"}).helpFor, Command::render);
+    EXPECT_EQ(parseCommandLine({"--help"}).helpFor, Command::help);
+    const Options o = parseCommandLine({"measure", "x.json", "--help"});
+    EXPECT_EQ(o.command, Command::help);
+    EXPECT_EQ(o.helpFor, Command::measure);
+    EXPECT_EQ(cntrtool::helpText(Command::render).rfind("usage: cntrtool render", 0), 0u);
+}
+
+TEST(CommandLine, MeasureReadsItsFileAndFlag) {
+    const Options o = parseCommandLine({"measure", "in.json", "--json"});
+    EXPECT_EQ(o.command, Command::measure);
+    EXPECT_EQ(o.input, "in.json");
+    EXPECT_TRUE(o.json);
+    EXPECT_FALSE(parseCommandLine({"measure", "in.json"}).json);
+}
+
+TEST(CommandLine, OutputInEveryForm) {
+    EXPECT_EQ(parseCommandLine({"pack", "a.json", "-o", "b.xca"}).output, "b.xca");
+    EXPECT_EQ(parseCommandLine({"pack", "--output", "b.xca", "a.json"}).output, "b.xca");
+    EXPECT_EQ(parseCommandLine({"pack", "a.json", "--output=b.xca"}).output, "b.xca");
+}
+
+TEST(CommandLine, FlagsOfRepairAndRender) {
+    EXPECT_TRUE(parseCommandLine({"repair", "a", "-o", "b", "--outer-hull"}).outerHull);
+    const Options r = parseCommandLine({"render", "a", "-o", "b.svg", "--hull", "--repaired"});
+    EXPECT_TRUE(r.hull);
+    EXPECT_TRUE(r.repaired);
+}
+
+TEST(CommandLine, DoubleDashEndsTheOptions) {
+    EXPECT_EQ(parseCommandLine({"check", "--", "-odd-name.json"}).input, "-odd-name.json");
+}
+
+TEST(CommandLine, MissingOutputIsRefused) {
+    EXPECT_EQ(usageErrorOf({"repair", "a.json"}),
+              "repair needs -o OUT; see cntrtool repair --help");
+    EXPECT_EQ(usageErrorOf({"render", "a.json", "-o"}),
+              "-o needs a file name; see cntrtool render --help");
+}
+
+TEST(CommandLine, OutputWhereNoneIsWrittenIsRefused) {
+    EXPECT_EQ(usageErrorOf({"check", "a.json", "-o", "b"}),
+              "check writes to standard output; -o is not used; see cntrtool check --help");
+}
+
+TEST(CommandLine, UnknownOptionIsRefused) {
+    EXPECT_EQ(usageErrorOf({"measure", "a.json", "--hull"}),
+              "unknown option --hull for measure; see cntrtool measure --help");
+}
+
+TEST(CommandLine, SecondInputIsRefused) {
+    EXPECT_EQ(usageErrorOf({"check", "a.json", "b.json"}),
+              "unexpected argument b.json; see cntrtool check --help");
+}
+
+TEST(CommandLine, MissingInputIsRefused) {
+    EXPECT_EQ(usageErrorOf({"check"}), "check needs an input FILE; see cntrtool check --help");
+}
+
+TEST(CommandLine, OutputGivenTwiceIsRefused) {
+    EXPECT_EQ(usageErrorOf({"pack", "a", "-o", "b", "-o", "c"}),
+              "the output is given twice; see cntrtool pack --help");
+}
+
+TEST(CommandLine, UnknownCommandIsRefused) {
+    EXPECT_EQ(usageErrorOf({"measur", "a"}), "unknown command measur; see cntrtool --help");
+    EXPECT_EQ(usageErrorOf({"help", "nothing"}), "unknown command nothing; see cntrtool --help");
+}
+
+TEST(CommandLine, Version) { EXPECT_EQ(parseCommandLine({"--version"}).command, Command::version); }

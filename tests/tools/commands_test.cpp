@@ -1,0 +1,172 @@
+// The tool run as a whole, in this process: exit statuses, messages, outputs, round trips.
+#include "commands.h"
+
+#include <regex>
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "shapes.h"
+#include "tool_testing.h"
+
+using cntrtool_testing::readFile;
+using cntrtool_testing::runTool;
+using cntrtool_testing::ScratchDir;
+
+namespace {
+
+const std::string kShapes = std::string(CNTRTOOL_DATA_DIR) + "/shapes.json";
+const std::string kCoco = std::string(CNTRTOOL_DATA_DIR) + "/coco.json";
+
+// Whether two regions have equal outlines, labels and holes, recursively.
+bool sameRegion(const xcRegion& a, const xcRegion& b) {
+    if (!(a == b) || a.label() != b.label() || a.holes().size() != b.holes().size())
+        return false;
+    for (std::size_t k = 0; k < a.holes().size(); ++k)
+        if (!sameRegion(*a.holes()[k], *b.holes()[k]))
+            return false;
+    return true;
+}
+
+bool sameShape(const cntrtool::Shape& a, const cntrtool::Shape& b) {
+    if (a.kind != b.kind || a.edgelet != b.edgelet)
+        return false;
+    switch (a.kind) {
+        case cntrtool::ShapeKind::contour:
+            return a.contour->points() == b.contour->points() &&
+                   a.contour->isClosed() == b.contour->isClosed() &&
+                   a.contour->label() == b.contour->label();
+        case cntrtool::ShapeKind::region:
+            return sameRegion(*a.region, *b.region);
+        case cntrtool::ShapeKind::regionSet: {
+            const auto ra = cntrtool::regionsOf(*a.set), rb = cntrtool::regionsOf(*b.set);
+            if (ra.size() != rb.size())
+                return false;
+            for (std::size_t i = 0; i < ra.size(); ++i)
+                if (!sameRegion(*ra[i], *rb[i]))
+                    return false;
+            return true;
+        }
+    }
+    return false;
+}
+
+cntrtool::ShapeFile load(const std::string& path) {
+    std::ostringstream warnings;
+    return cntrtool::loadShapeFile(path, warnings);
+}
+
+}  // namespace
+
+TEST(Commands, HelpAndVersion) {
+    const auto help = runTool({});
+    EXPECT_EQ(help.status, cntrtool::kExitOk);
+    EXPECT_NE(help.out.find("usage: cntrtool COMMAND"), std::string::npos);
+    EXPECT_EQ(runTool({"pack", "--help"}).out.rfind("usage: cntrtool pack", 0), 0u);
+    EXPECT_TRUE(std::regex_match(runTool({"--version"}).out, std::regex("cntrtool [0-9]+\\.[0-9]+\\.[0-9]+\n")));
+}
+
+TEST(Commands, UsageErrorsExitWithTwo) {
+    const auto r = runTool({"render", kShapes});
+    EXPECT_EQ(r.status, cntrtool::kExitBadInput);
+    EXPECT_EQ(r.err, "cntrtool: render needs -o OUT; see cntrtool render --help\n");
+    EXPECT_EQ(r.out, "");
+}
+
+TEST(Commands, CheckExitsWithOneOnProblems) {
+    EXPECT_EQ(runTool({"check", kShapes}).status, cntrtool::kExitProblems);
+    ScratchDir dir;
+    const std::string clean =
+        dir.write("clean.json", R"({"shapes": [{"kind": "region", "points": [[0, 0], [1, 0], [1, 1]]}]})");
+    const auto r = runTool({"check", clean});
+    EXPECT_EQ(r.status, cntrtool::kExitOk);
+    EXPECT_EQ(r.out, "no problems in 1 shapes\n");
+}
+
+TEST(Commands, BadInputWritesNoOutput) {
+    ScratchDir dir;
+    const std::string bad = dir.write("bad.json", R"({"shapes": [{"kind": "region", "points": [[0, 0], [1, NaN]]}]})");
+    for (const char* command : {"pack", "repair", "render"}) {
+        const auto r = runTool({command, bad, "-o", dir.file("out")});
+        EXPECT_EQ(r.status, cntrtool::kExitBadInput) << command;
+        EXPECT_EQ(r.err, "cntrtool: " + bad + ": shape 0: vertex 1 has a non-finite coordinate\n");
+        EXPECT_EQ(dir.list(), std::vector<std::string>{"bad.json"}) << command;
+    }
+}
+
+TEST(Commands, BadInputLeavesAnExistingOutputAlone) {
+    ScratchDir dir;
+    const std::string out = dir.write("out.svg", "old");
+    const auto r = runTool({"render", dir.file("missing.json"), "-o", out});
+    EXPECT_EQ(r.status, cntrtool::kExitBadInput);
+    EXPECT_EQ(readFile(out), "old");
+}
+
+TEST(Commands, PackThenUnpackGivesBackEqualShapes) {
+    ScratchDir dir;
+    for (const std::string& input : {kShapes, kCoco}) {
+        const auto packed = runTool({"pack", input, "-o", dir.file("a.xca")});
+        ASSERT_NE(packed.status, cntrtool::kExitBadInput) << packed.err;
+        ASSERT_EQ(runTool({"unpack", dir.file("a.xca"), "-o", dir.file("b.json")}).status,
+                  cntrtool::kExitOk);
+        const cntrtool::ShapeFile original = load(input);
+        const cntrtool::ShapeFile archived = load(dir.file("a.xca"));
+        const cntrtool::ShapeFile unpacked = load(dir.file("b.json"));
+        ASSERT_EQ(original.shapes.size(), unpacked.shapes.size());
+        for (std::size_t i = 0; i < original.shapes.size(); ++i) {
+            // What an archive holds: the shapes as the library keeps them (refused holes are
+            // left out, with exit status 1 and a warning).
+            EXPECT_TRUE(sameShape(archived.shapes[i], unpacked.shapes[i])) << input << " " << i;
+            if (original.shapes[i].refused.empty()) {
+                EXPECT_TRUE(sameShape(original.shapes[i], unpacked.shapes[i])) << input << " " << i;
+            }
+        }
+    }
+}
+
+// The shapes named by the lines of `text` that match `pattern` (its group 1 is the index).
+std::set<int> shapesNamed(const std::string& text, const std::string& pattern) {
+    std::set<int> out;
+    const std::regex re(pattern);
+    for (auto it = std::sregex_iterator(text.begin(), text.end(), re); it != std::sregex_iterator(); ++it)
+        out.insert(std::stoi((*it)[1]));
+    return out;
+}
+
+TEST(Commands, RepairWritesTheInputFormatAndLeavesOnlyWhatItNames) {
+    ScratchDir dir;
+    ASSERT_EQ(runTool({"pack", kCoco, "-o", dir.file("coco.xca")}).status, cntrtool::kExitOk);
+    const std::pair<std::string, const char*> runs[] = {{kCoco, "r.json"},
+                                                        {dir.file("coco.xca"), "r.xca"}};
+    for (const auto& [input, output] : runs) {
+        const auto r = runTool({"repair", input, "-o", dir.file(output)});
+        EXPECT_NE(r.status, cntrtool::kExitBadInput) << r.err;
+        const auto check = runTool({"check", dir.file(output)});
+        // Whatever still crosses is what repair said it could not mend, and the other way round.
+        const std::set<int> refused = shapesNamed(r.err, "shape ([0-9]+): cannot be repaired");
+        EXPECT_EQ(shapesNamed(check.out, "shape ([0-9]+) [^\n]*: (self-crossing|regions-cross):"),
+                  refused);
+        EXPECT_EQ(r.status, refused.empty() ? cntrtool::kExitOk : cntrtool::kExitProblems);
+    }
+    EXPECT_EQ(load(dir.file("r.json")).format, cntrtool::FileFormat::coco);
+    EXPECT_EQ(load(dir.file("r.xca")).format, cntrtool::FileFormat::archive);
+    // Annotations that needed nothing are unchanged, with every other field of the file.
+    const auto original = cntrtool::parseJson("a", readFile(kCoco));
+    const auto repaired = cntrtool::parseJson("b", readFile(dir.file("r.json")));
+    EXPECT_EQ(original["images"], repaired["images"]);
+    EXPECT_EQ(original["annotations"][0], repaired["annotations"][0]);
+    EXPECT_EQ(original["annotations"].size(), repaired["annotations"].size());
+}
+
+TEST(Commands, ProgressForLargeFiles) {
+    ScratchDir dir;
+    std::string json = R"({"shapes": [)";
+    const int n = 10001;
+    for (int i = 0; i < n; ++i)
+        json += std::string(i ? "," : "") + R"({"kind": "region", "points": [[0, 0], [1, 0], [1, 1]]})";
+    json += "]}";
+    const auto r = runTool({"measure", dir.write("big.json", json)});
+    EXPECT_EQ(r.status, cntrtool::kExitOk);
+    EXPECT_TRUE(std::regex_search(r.err, std::regex("measured 10001 of 10001 shapes in [0-9.]+ s")))
+        << r.err;
+}

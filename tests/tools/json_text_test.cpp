@@ -1,0 +1,58 @@
+#include "json_text.h"
+
+#include <gtest/gtest.h>
+
+#include "input.h"
+#include "tool_testing.h"
+
+using cntrtool::Json;
+using cntrtool::kNonFiniteMarker;
+using cntrtool::parseJson;
+using cntrtool::prettyJson;
+using cntrtool_testing::inputErrorOf;
+
+TEST(JsonText, NonFiniteLiteralsBecomeMarkers) {
+    const Json j = parseJson("x.json", R"([NaN, -Infinity, Infinity, 1e999, -1e400, 1.5, "NaN"])");
+    for (int k = 0; k < 5; ++k)
+        EXPECT_EQ(j[k], kNonFiniteMarker) << k;
+    EXPECT_EQ(j[5], 1.5);
+    EXPECT_EQ(j[6], "NaN");  // inside a string: untouched
+}
+
+TEST(JsonText, StringsWithEscapedQuotesAreCopied) {
+    const Json j = parseJson("x.json", R"({"a\"NaN": "x\\", "b": 2})");
+    EXPECT_EQ(j["a\"NaN"], "x\\");
+    EXPECT_EQ(j["b"], 2);
+}
+
+TEST(JsonText, MalformedJsonNamesFileAndPlace) {
+    EXPECT_EQ(inputErrorOf([] { parseJson("in.json", "{\"a\": [1, 2}"); }),
+              "in.json: malformed JSON: parse error at line 1, column 12: syntax error while "
+              "parsing array - unexpected '}'; expected ']'");
+    EXPECT_NE(inputErrorOf([] { parseJson("in.json", ""); }).find("in.json: malformed JSON"),
+              std::string::npos);
+}
+
+TEST(JsonText, LayoutKeepsNumberArraysOnOneLine) {
+    const Json j = {{"a", Json::array({Json::array({1, 2.5}), Json::array({-3, 0.1})})},
+                    {"b", Json::object({{"c", true}, {"d", nullptr}})},
+                    {"e", Json::array()}};
+    EXPECT_EQ(prettyJson(j),
+              "{\n"
+              "  \"a\": [[1, 2.5], [-3, 0.1]],\n"
+              "  \"b\": {\n"
+              "    \"c\": true,\n"
+              "    \"d\": null\n"
+              "  },\n"
+              "  \"e\": []\n"
+              "}\n");
+}
+
+TEST(JsonText, NumbersReadBackExactly) {
+    const double third = 1.0 / 3.0;
+    const Json j = Json::array({third, 1e-300, 123456789.123456789});
+    const Json back = parseJson("x.json", prettyJson(j));
+    EXPECT_EQ(back[0].get<double>(), third);
+    EXPECT_EQ(back[1].get<double>(), 1e-300);
+    EXPECT_EQ(back[2].get<double>(), 123456789.123456789);
+}

@@ -1,0 +1,34 @@
+// The command line: subcommands, their options and their help texts.
+#ifndef CNTRTOOL_CLI_H
+#define CNTRTOOL_CLI_H
+
+#include <string>
+#include <vector>
+
+namespace cntrtool {
+
+enum class Command { help, version, measure, check, repair, render, pack, unpack };
+
+struct Options {
+    Command command = Command::help;
+    /// With `command` help: the subcommand whose help is wanted (help itself for the overview).
+    Command helpFor = Command::help;
+    std::string input;
+    std::string output;
+    bool json = false;
+    bool outerHull = false;
+    bool hull = false;
+    bool repaired = false;
+};
+
+/// Parses the arguments after the program name. `cntrtool`, `cntrtool --help` and
+/// `cntrtool help [COMMAND]` ask for help, `cntrtool COMMAND --help` for one command's.
+/// Throws UsageError for anything else that does not fit the commands' synopses.
+Options parseCommandLine(const std::vector<std::string>& args);
+
+/// The help text of `command` (the overview for Command::help).
+std::string helpText(Command command);
+
+}  // namespace cntrtool
+
+#endif

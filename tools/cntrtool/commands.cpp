@@ -1,0 +1,183 @@
+#include "commands.h"
+
+#include <exception>
+#include <new>
+
+#include <cntr/version.h>
+#include <foundation/exception.h>
+#include <foundation/tablet.h>
+
+#include "check.h"
+#include "cli.h"
+#include "errors.h"
+#include "input.h"
+#include "json_text.h"
+#include "measure.h"
+#include "output.h"
+#include "output_formats.h"
+#include "render.h"
+#include "repair.h"
+
+namespace cntrtool {
+
+namespace {
+
+struct Context {
+    const Options& options;
+    const ShapeFile& file;
+    std::ostream& out;
+    std::ostream& err;
+    bool errIsTerminal;
+
+    void warn(const std::string& text) const {
+        err << "cntrtool: warning: " << file.path << ": " << text << '\n';
+    }
+};
+
+int measureCommand(const Context& c) {
+    Progress progress(c.err, "measured", c.file.shapes.size(), c.errIsTerminal);
+    std::vector<Measures> rows;
+    rows.reserve(c.file.shapes.size());
+    for (const Shape& s : c.file.shapes) {
+        rows.push_back(measureShape(s));
+        progress.step();
+    }
+    progress.finish();
+    if (c.options.json)
+        c.out << prettyJson(measureReport(c.file.path, rows));
+    else
+        printMeasureTable(c.out, rows);
+    return kExitOk;
+}
+
+int checkCommand(const Context& c) {
+    Progress progress(c.err, "checked", c.file.shapes.size(), c.errIsTerminal);
+    std::vector<Problem> problems;
+    for (const Shape& s : c.file.shapes) {
+        const std::vector<Problem> p = checkShape(s);
+        problems.insert(problems.end(), p.begin(), p.end());
+        progress.step();
+    }
+    progress.finish();
+    printProblems(c.out, problems, c.file.shapes.size());
+    return problems.empty() ? kExitOk : kExitProblems;
+}
+
+int repairCommand(const Context& c) {
+    Progress progress(c.err, "repaired", c.file.shapes.size(), c.errIsTerminal);
+    std::vector<Shape> shapes;
+    std::vector<bool> changed;
+    std::size_t repairedCount = 0, failedCount = 0;
+    for (const Shape& s : c.file.shapes) {
+        RepairResult r = repairShape(s, c.options.outerHull);
+        for (const std::string& note : r.notes)
+            c.warn(note);
+        shapes.push_back(r.shape);
+        changed.push_back(r.changed);
+        repairedCount += r.changed ? 1 : 0;
+        failedCount += r.failed ? 1 : 0;
+        progress.step();
+    }
+    progress.finish();
+    std::vector<std::string> lost;
+    writeFileAtomically(c.options.output, contentInFormat(c.file, shapes, changed, lost));
+    for (const std::string& l : lost)
+        c.warn(l);
+    c.out << "repaired " << repairedCount << " of " << shapes.size() << " shapes";
+    if (failedCount > 0)
+        c.out << ", " << failedCount << " could not be repaired";
+    c.out << "; wrote " << c.options.output << '\n';
+    return failedCount > 0 || !lost.empty() ? kExitProblems : kExitOk;
+}
+
+int renderCommand(const Context& c) {
+    Progress progress(c.err, "drew", c.file.shapes.size(), c.errIsTerminal);
+    RenderOptions options;
+    options.hull = c.options.hull;
+    options.repaired = c.options.repaired;
+    xcSvgTablet tablet;
+    renderShapes(tablet, c.file.shapes, options, [&progress] { progress.step(); },
+                 [&c](const std::string& note) { c.warn(note); });
+    progress.finish();
+    std::string document;
+    try {
+        document = tablet.document();
+    } catch (const xcException& e) {
+        throw InputError(c.file.path, std::string("cannot draw: ") + e.what());
+    }
+    if (tablet.skippedCount() > 0)
+        c.warn(std::to_string(tablet.skippedCount()) + " segments with non-finite ends skipped");
+    writeFileAtomically(c.options.output, document);
+    c.out << "drew " << c.file.shapes.size() << " shapes (" << tablet.segmentCount()
+          << " segments); wrote " << c.options.output << '\n';
+    return kExitOk;
+}
+
+int packCommand(const Context& c) {
+    std::vector<std::string> lost;
+    writeFileAtomically(c.options.output, archiveContent(c.file.path, c.file.shapes, lost));
+    for (const std::string& l : lost)
+        c.warn(l);
+    c.out << "packed " << c.file.shapes.size() << " shapes; wrote " << c.options.output << '\n';
+    return lost.empty() ? kExitOk : kExitProblems;
+}
+
+int unpackCommand(const Context& c) {
+    if (c.file.format != FileFormat::archive)
+        throw InputError(c.file.path, "not an archive (unpack reads what pack writes)");
+    writeFileAtomically(c.options.output, prettyJson(toolDocument(c.file.shapes)));
+    c.out << "unpacked " << c.file.shapes.size() << " shapes; wrote " << c.options.output << '\n';
+    return kExitOk;
+}
+
+int runCommand(const Options& options, std::ostream& out, std::ostream& err,
+               bool errIsTerminal) {
+    switch (options.command) {
+        case Command::help:
+            out << helpText(options.helpFor);
+            return kExitOk;
+        case Command::version:
+            out << "cntrtool " << xf_CntrVersion() << '\n';
+            return kExitOk;
+        default:
+            break;
+    }
+    const ShapeFile file = loadShapeFile(options.input, err);
+    const Context c{options, file, out, err, errIsTerminal};
+    switch (options.command) {
+        case Command::measure:
+            return measureCommand(c);
+        case Command::check:
+            return checkCommand(c);
+        case Command::repair:
+            return repairCommand(c);
+        case Command::render:
+            return renderCommand(c);
+        case Command::pack:
+            return packCommand(c);
+        case Command::unpack:
+            return unpackCommand(c);
+        default:
+            return kExitOk;
+    }
+}
+
+}  // namespace
+
+int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err,
+        bool errIsTerminal) {
+    try {
+        return runCommand(parseCommandLine(args), out, err, errIsTerminal);
+    } catch (const UsageError& e) {
+        err << "cntrtool: " << e.what() << '\n';
+    } catch (const ToolError& e) {
+        err << "cntrtool: " << e.what() << '\n';
+    } catch (const std::bad_alloc&) {
+        err << "cntrtool: out of memory\n";
+    } catch (const std::exception& e) {
+        err << "cntrtool: internal error: " << e.what() << '\n';
+    }
+    return kExitBadInput;
+}
+
+}  // namespace cntrtool

@@ -1,0 +1,64 @@
+// Writing results: number formatting, files replaced only when complete, progress reports.
+#ifndef CNTRTOOL_OUTPUT_H
+#define CNTRTOOL_OUTPUT_H
+
+#include <chrono>
+#include <cstddef>
+#include <ostream>
+#include <string>
+
+namespace cntrtool {
+
+/// Significant digits of the numbers in tables (readable) and in JSON reports (for machines).
+constexpr int kTableDigits = 6;
+constexpr int kJsonDigits = 9;
+
+/// `value` printed with %.<digits>g in the C locale; negative zero prints as 0.
+std::string formatNumber(double value, int digits);
+/// `value` rounded to `digits` significant digits (what formatNumber prints), for JSON reports.
+double roundToDigits(double value, int digits);
+
+/// Writes `content` to a temporary file beside `path` and renames it to `path` once complete,
+/// so `path` is either left as it was or holds the whole content. Throws InputError naming
+/// `path` when the file cannot be written.
+void writeFileAtomically(const std::string& path, const std::string& content);
+
+/// A count and a rate on stderr for long runs: refreshed in place on a terminal, plain lines
+/// (at most one a second) otherwise, and a closing line. Silent for runs of at most
+/// kProgressThreshold items.
+class Progress {
+  public:
+    /// Runs over more items than this report their progress.
+    static constexpr std::size_t kProgressThreshold = 10000;
+    /// Seconds between two reports.
+    static constexpr double kReportInterval = 1.0;
+    /// Seconds between two refreshes on a terminal.
+    static constexpr double kRefreshInterval = 0.1;
+
+    /// `verb` names the work ("measured"); `terminal` whether `err` is a terminal.
+    Progress(std::ostream& err, const std::string& verb, std::size_t total, bool terminal);
+    /// Counts one item done.
+    void step();
+    /// Writes the closing line (once).
+    void finish();
+
+  private:
+    void report(bool last);
+
+    std::ostream& err_;
+    std::string verb_;
+    std::size_t total_;
+    std::size_t done_ = 0;
+    bool enabled_;
+    bool terminal_;
+    bool finished_ = false;
+    std::chrono::steady_clock::time_point start_;
+    std::chrono::steady_clock::time_point lastReport_;
+};
+
+/// Whether the standard error stream is a terminal.
+bool stderrIsTerminal();
+
+}  // namespace cntrtool
+
+#endif
