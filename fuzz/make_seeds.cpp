@@ -2,7 +2,8 @@
 // more per persistent class, sharing and nesting included), a few legacy (version 0) records
 // built by hand after the documented layout, and geometry inputs for typical and hostile shapes.
 //
-// Usage: cntr_fuzz_seeds OUTDIR   (writes OUTDIR/archive/* and OUTDIR/geometry/*)
+// Usage: cntr_fuzz_seeds OUTDIR   (writes OUTDIR/archive/*, OUTDIR/geometry/* and, when built
+// with the command-line tool, OUTDIR/json/*: files that the tool writes itself)
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -26,6 +27,12 @@
 #include <foundation/exception.h>
 #include <foundation/fit.h>
 #include <foundation/xform.h>
+
+#ifdef CNTR_FUZZ_JSON_SEEDS
+#include <json_text.h>
+#include <output_formats.h>
+#include <shapes.h>
+#endif
 
 namespace {
 
@@ -285,6 +292,76 @@ void geometrySeeds(const std::string& dir) {
     }
 }
 
+#ifdef CNTR_FUZZ_JSON_SEEDS
+// ---- the command-line tool's JSON input ----
+
+void writeText(const std::string& path, const std::string& text) {
+    writeFile(path, Bytes(text.begin(), text.end()));
+}
+
+cntrtool::Shape shapeOf(xcPtrHandle<xcRegion> region) {
+    cntrtool::Shape shape;
+    shape.kind = cntrtool::ShapeKind::region;
+    shape.region = region;
+    return shape;
+}
+
+/// Tool-format files that the tool writes itself, one shape kind each and all together, and
+/// COCO files in the layout the tool reads (a polygon, several polygons, an RLE mask it skips).
+void jsonSeeds(const std::string& dir) {
+    std::vector<cntrtool::Shape> shapes;
+    cntrtool::Shape contour;
+    contour.kind = cntrtool::ShapeKind::contour;
+    contour.contour = xcPtrHandle<xcContour>(new xcContour(kPentagram, false, 3));
+    shapes.push_back(contour);
+
+    xcPtrHandle<xcRegion> outer(new xcRegion(square(0, 0, 4)));
+    outer->holes(
+        std::vector<xcPtrHandle<xcRegion>>{xcPtrHandle<xcRegion>(new xcRegion(square(1, 1, 1)))});
+    outer->label(5);
+    shapes.push_back(shapeOf(outer));
+    shapes.push_back(shapeOf(xcPtrHandle<xcRegion>(new xcRegion(kBowTie))));
+
+    cntrtool::Shape set;
+    set.kind = cntrtool::ShapeKind::regionSet;
+    set.set = xcPtrHandle<xcRegionSet>(new xcRegionSet(
+        xcRegionSet::MutableRegionHandles{xcPtrHandle<xcRegion>(new xcRegion(square(0, 0, 2))),
+                                          xcPtrHandle<xcRegion>(new xcRegion(square(1, 1, 2)))}));
+    shapes.push_back(set);
+
+    cntrtool::Shape edgelet;
+    edgelet.kind = cntrtool::ShapeKind::contour;
+    edgelet.edgelet = true;
+    edgelet.contour = xcPtrHandle<xcContour>(new xcContourT<xcEdgelet>(
+        edgelets(kPentagram), xcPtrHandle_const<xc2XformBase>(new xc2XformLinear(
+                                  xcXform<2>(xcMatrix<2>(2, 0, 0, 2), xcVector<2>(1, -1))))));
+    shapes.push_back(edgelet);
+
+    const char* names[] = {"tool_contour", "tool_region_hole", "tool_bowtie", "tool_regionset",
+                           "tool_edgelet_contour"};
+    for (std::size_t i = 0; i < shapes.size(); ++i)
+        writeText(dir + "/" + names[i], cntrtool::prettyJson(cntrtool::toolDocument({shapes[i]})));
+    writeText(dir + "/tool_all", cntrtool::prettyJson(cntrtool::toolDocument(shapes)));
+
+    cntrtool::Json coco = {
+        {"images", {{{"id", 1}, {"width", 64}, {"height", 64}}}},
+        {"annotations",
+         {{{"id", 1},
+           {"image_id", 1},
+           {"category_id", 2},
+           {"segmentation", {{0, 0, 4, 4, 4, 0, 0, 4}}}},
+          {{"id", 2},
+           {"image_id", 1},
+           {"category_id", 3},
+           {"segmentation", {{10, 10, 20, 10, 20, 20, 10, 20}, {30, 30, 35, 30, 35, 35}}}},
+          {{"id", 3},
+           {"image_id", 1},
+           {"category_id", 1},
+           {"segmentation", {{"counts", {0, 4, 60}}, {"size", {8, 8}}}}}}}};
+    writeText(dir + "/coco", cntrtool::prettyJson(coco));
+}
+#endif
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -293,10 +370,13 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::string out = argv[1];
-    for (const char* target : {"archive", "geometry"})
+    for (const char* target : {"archive", "geometry", "json"})
         std::filesystem::create_directories(out + "/" + target);
     archiveSeeds(out + "/archive");
     legacySeeds(out + "/archive");
     geometrySeeds(out + "/geometry");
+#ifdef CNTR_FUZZ_JSON_SEEDS
+    jsonSeeds(out + "/json");
+#endif
     return 0;
 }

@@ -14,6 +14,9 @@ namespace xn_fuzz {
 int archiveOneInput(const std::uint8_t* data, std::size_t size);
 /// Vertex lists decoded from the bytes, queried as contours, regions and region sets.
 int geometryOneInput(const std::uint8_t* data, std::size_t size);
+/// Text read as the command-line tool's JSON input (its own format and COCO), then measured,
+/// checked, repaired and written back as the tool does. Built with the tool only.
+int jsonOneInput(const std::uint8_t* data, std::size_t size);
 
 }  // namespace xn_fuzz
 

@@ -59,6 +59,17 @@ TEST(FuzzCorpus, GeometrySeedsAnswerEveryQuery) {
     EXPECT_GE(runFolder(&xn_fuzz::geometryOneInput, "corpus/geometry"), 13u);
 }
 
+#ifdef CNTR_FUZZ_JSON
+// Seven files that the tool writes itself (five single shapes, all of them, a COCO file).
+TEST(FuzzCorpus, JsonSeedsAreReadMeasuredAndWrittenBack) {
+    EXPECT_GE(runFolder(&xn_fuzz::jsonOneInput, "corpus/json"), 7u);
+}
+
+TEST(FuzzTargets, EmptyJsonInputIsAValidCase) {
+    EXPECT_EQ(xn_fuzz::jsonOneInput(nullptr, 0), 0);
+}
+#endif
+
 TEST(FuzzTargets, EmptyInputIsAValidCase) {
     EXPECT_EQ(xn_fuzz::archiveOneInput(nullptr, 0), 0);
     EXPECT_EQ(xn_fuzz::geometryOneInput(nullptr, 0), 0);
