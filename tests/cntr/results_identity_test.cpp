@@ -10,7 +10,6 @@
 // the asan build agrees before committing it.
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -22,41 +21,12 @@
 #include <foundation/exception.h>
 #include <foundation/random.h>
 
+#include "cntr/bit_hash.h"
+
 namespace {
 
 using Points = std::vector<xcVector<2>>;
-
-/// 64-bit FNV-1a over the bytes fed to it.
-class BitHash {
-  public:
-    void bytes(const void* data, std::size_t size) {
-        const auto* p = static_cast<const unsigned char*>(data);
-        for (std::size_t i = 0; i < size; ++i) {
-            state_ ^= p[i];
-            state_ *= kPrime;
-        }
-    }
-    void number(double v) {
-        std::uint64_t bits;
-        std::memcpy(&bits, &v, sizeof bits);
-        bytes(&bits, sizeof bits);
-    }
-    void integer(long long v) { bytes(&v, sizeof v); }
-    void point(const xcVector<2>& p) {
-        number(p.x());
-        number(p.y());
-    }
-    void matrix(const xcMatrix<2>& m) {
-        for (int r = 0; r < 2; ++r)
-            for (int c = 0; c < 2; ++c)
-                number(m.element(r, c));
-    }
-    std::uint64_t value() const { return state_; }
-
-  private:
-    static constexpr std::uint64_t kPrime = 0x100000001B3ull;
-    std::uint64_t state_ = 0xCBF29CE484222325ull;
-};
+using cntr_test::BitHash;
 
 /// Hashes what `op` feeds the hash, or the error number of the library exception it throws.
 template <class Op>
