@@ -14,6 +14,19 @@ if(CNTR_SANITIZE)
     target_link_options(cntr_flags INTERFACE ${_cntr_san})
 endif()
 
+# The fuzz build: every target of ours carries libFuzzer's coverage instrumentation on top of the
+# sanitizers; only the fuzz targets themselves link the fuzzer's driver (-fsanitize=fuzzer).
+if(CNTR_FUZZ)
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        message(FATAL_ERROR "CNTR_FUZZ needs clang (libFuzzer); use the fuzz preset")
+    endif()
+    if(NOT CNTR_SANITIZE)
+        message(FATAL_ERROR "CNTR_FUZZ needs CNTR_SANITIZE")
+    endif()
+    target_compile_options(cntr_flags INTERFACE -fsanitize=fuzzer-no-link)
+    target_link_options(cntr_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # cntr_add_library(name SOURCES ... HEADERS ...): a shared library of this project with its public
 # headers in a file set rooted at the source tree, so that they are included as <dir/header.h>.
 function(cntr_add_library name)

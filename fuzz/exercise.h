@@ -1,0 +1,53 @@
+// Runs every public query of the library's shapes on one object, each call on its own so that a
+// refused query does not hide the ones after it, and checks the laws that must hold whatever the
+// coordinates are. Used by the geometry target on shapes built from fuzzer bytes and by the
+// archive target on shapes loaded from them.
+#ifndef CNTR_FUZZ_EXERCISE_H
+#define CNTR_FUZZ_EXERCISE_H
+
+#include <cntr/contour.h>
+#include <cntr/region.h>
+#include <cntr/regionst.h>
+#include <cntrtmpl/contourt.h>
+#include <cntrtmpl/regionsett.h>
+#include <cntrtmpl/regiont.h>
+#include <foundation/angle.h>
+#include <foundation/vector.h>
+#include <foundation/xform.h>
+
+namespace xn_fuzz {
+
+/// The arguments the queries are asked with.
+struct QueryArgs {
+    /// The point of containment, nearest-point and vertex lookups.
+    xcVector<2> point;
+    /// The far end of the query segment, which starts at `point`.
+    xcVector<2> segmentEnd;
+    /// The vertex lookup's tolerance.
+    double tolerance = 1.0;
+    /// The direction of the extremal-vertex queries.
+    xcRadian angle{0.0};
+    /// The transform of encloseRect and map.
+    xcXform<2> xform;
+    /// The memo limit set before the memoised queries run.
+    long cachedVectorSize = 3;
+};
+
+/// Every contour query, on `contour` (also reached through a region, which keeps the contour's
+/// rules), with `other` as the second contour of the contour-contour intersections.
+void exerciseContour(xcContour& contour, const xcContour& other, const QueryArgs& args);
+/// Every region query, then the contour queries on the region's outline.
+void exerciseRegion(xcRegion& region, const xcContour& other, const QueryArgs& args);
+/// Every region set query, regularize and outer hull included.
+void exerciseRegionSet(xcRegionSet& set, const QueryArgs& args);
+/// The edgelet contour's own operations, then the contour queries.
+void exerciseContourT(xcContourT<xcEdgelet>& contour, const xcContour& other,
+                      const QueryArgs& args);
+/// The edgelet region's own operations, then the region queries.
+void exerciseRegionT(xcRegionT<xcEdgelet>& region, const xcContour& other, const QueryArgs& args);
+/// The edgelet region set's own operations, then the region set queries.
+void exerciseRegionSetT(xcRegionSetT<xcEdgelet>& set, const QueryArgs& args);
+
+}  // namespace xn_fuzz
+
+#endif

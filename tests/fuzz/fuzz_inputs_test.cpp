@@ -1,0 +1,89 @@
+// The fuzz targets run on the committed seed corpora and on every input kept from fuzzing runs
+// (fuzz/regressions/TARGET/NAME), in every build of the tests, with any compiler. A target
+// aborts the process on a broken law (a copy that differs, a round trip that changes bytes, an
+// index out of range, an exception outside the library's family), so a failure here shows as a
+// crash of the test with the target's message on stderr; the sanitizer build adds its reports.
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "targets.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Target = int (*)(const std::uint8_t*, std::size_t);
+
+std::vector<unsigned char> readFile(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::vector<unsigned char>(std::istreambuf_iterator<char>(in),
+                                      std::istreambuf_iterator<char>());
+}
+
+/// Runs `target` on every file of `dir`, in name order; returns how many there were.
+std::size_t runFolder(Target target, const std::string& dir) {
+    std::vector<fs::path> files;
+    for (const auto& entry : fs::directory_iterator(fs::path(CNTR_FUZZ_DIR) / dir))
+        if (entry.is_regular_file())
+            files.push_back(entry.path());
+    std::sort(files.begin(), files.end());
+    for (const fs::path& file : files) {
+        const std::vector<unsigned char> bytes = readFile(file);
+        EXPECT_EQ(target(bytes.data(), bytes.size()), 0) << file;
+    }
+    return files.size();
+}
+
+/// Runs `target` on the kept input fuzz/regressions/`name`.
+void runKept(Target target, const std::string& name) {
+    const fs::path file = fs::path(CNTR_FUZZ_DIR) / "regressions" / name;
+    ASSERT_TRUE(fs::is_regular_file(file)) << file;
+    const std::vector<unsigned char> bytes = readFile(file);
+    ASSERT_FALSE(bytes.empty()) << file;
+    EXPECT_EQ(target(bytes.data(), bytes.size()), 0);
+}
+
+// The seed generator writes 36 archives (the library's own, legacy records and every exception
+// class) and 13 geometry inputs; fewer means the corpus was not committed in full.
+TEST(FuzzCorpus, ArchiveSeedsLoadOrAreRefused) {
+    EXPECT_GE(runFolder(&xn_fuzz::archiveOneInput, "corpus/archive"), 36u);
+}
+
+TEST(FuzzCorpus, GeometrySeedsAnswerEveryQuery) {
+    EXPECT_GE(runFolder(&xn_fuzz::geometryOneInput, "corpus/geometry"), 13u);
+}
+
+#ifdef CNTR_FUZZ_JSON
+// Seven files that the tool writes itself (five single shapes, all of them, a COCO file).
+TEST(FuzzCorpus, JsonSeedsAreReadMeasuredAndWrittenBack) {
+    EXPECT_GE(runFolder(&xn_fuzz::jsonOneInput, "corpus/json"), 7u);
+}
+
+TEST(FuzzTargets, EmptyJsonInputIsAValidCase) {
+    EXPECT_EQ(xn_fuzz::jsonOneInput(nullptr, 0), 0);
+}
+#endif
+
+TEST(FuzzTargets, EmptyInputIsAValidCase) {
+    EXPECT_EQ(xn_fuzz::archiveOneInput(nullptr, 0), 0);
+    EXPECT_EQ(xn_fuzz::geometryOneInput(nullptr, 0), 0);
+}
+
+// Kept inputs, one test each, with what they once showed.
+
+// 44 edgelet vertices mixing small integers with magnitudes up to 1e274, every query, then the
+// set's regularize and outer hull: it went over the fuzzer's one second on the loaded shared
+// machine in the instrumented build, where it takes about 0.25 s alone (25 ms in the default
+// build, all queries of four shapes and a set included). Not a defect: the walks are bounded
+// by their pass limit. Kept so that the case stays bounded.
+TEST(FuzzRegression, TangledEdgeletSetOuterHull) {
+    runKept(&xn_fuzz::geometryOneInput, "geometry/tangled_edgelet_set_outer_hull");
+}
+
+}  // namespace
