@@ -1,7 +1,7 @@
 // regularize and outerHull over seeded random self-crossing outlines: every call returns a
 // region whose outline does not cross itself, or refuses the outline with "invalid contour";
-// none crashes, hangs or takes more than a second.
-#include <chrono>
+// none crashes or hangs (the walk's own bound turns a would-be hang into "invalid contour";
+// speed is the benchmark's business, not a wall-clock check that a loaded machine can trip).
 #include <cmath>
 #include <string>
 #include <vector>
@@ -25,8 +25,6 @@ constexpr int kOutlinesPerFamily = 3334;
 #endif
 constexpr int kMinVertices = 4;
 constexpr int kMaxVertices = 60;
-// Generous: an outline of 60 vertices takes well under a millisecond.
-constexpr double kSecondsPerCase = 1.0;
 
 int vertexCount(xcRandomUniform& g) {
     return kMinVertices + static_cast<int>(g.next(0.0, kMaxVertices - kMinVertices + 1));
@@ -118,7 +116,6 @@ template <class Operation>
 void check(const Points& p, bool hull, Operation op, Tally& tally) {
     const xcRegion r(p);
     xcRegion out;
-    const auto start = std::chrono::steady_clock::now();
     try {
         op(r, out);
         if (!r.isSelfIntersecting())
@@ -138,8 +135,6 @@ void check(const Points& p, bool hull, Operation op, Tally& tally) {
         EXPECT_TRUE(walkRepeatsAPointAtOnce(r)) << describe(p);
         ++tally.oneVertexLoop;
     }
-    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
-    EXPECT_LT(took.count(), kSecondsPerCase) << describe(p);
 }
 
 template <class Generator>
