@@ -86,4 +86,14 @@ TEST(FuzzRegression, TangledEdgeletSetOuterHull) {
     runKept(&xn_fuzz::geometryOneInput, "geometry/tangled_edgelet_set_outer_hull");
 }
 
+#ifdef CNTR_FUZZ_JSON
+// A region set with a member of one vertex: the repair's first question to the set
+// (isSelfIntersecting) threw EmptyContour out of repairShape and ended the tool with an
+// internal error. Now the set counts as needing repair, the repair fails with the library's
+// reason, and the shape is kept.
+TEST(FuzzRegression, SetMemberOfOneVertex) {
+    runKept(&xn_fuzz::jsonOneInput, "json/set_member_of_one_vertex");
+}
+#endif
+
 }  // namespace

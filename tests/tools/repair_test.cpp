@@ -105,3 +105,22 @@ TEST(Repair, RefusalsOfTheLibraryKeepTheShape) {
     EXPECT_EQ(r.shape.region.rep(), s.region.rep());
     EXPECT_EQ(r.notes, std::vector<std::string>{"shape 0: cannot be repaired: invalid contour"});
 }
+
+TEST(Repair, SetWithAMemberTooShortToMeasureIsKept) {
+    // The library refuses to test a set whose member has one vertex (EmptyContour, error
+    // 0x10004680, no message): the set counts as needing repair, and the repair fails with
+    // the library's reason instead of ending the run.
+    const cntrtool::Shape s = shapeOf(R"({"kind": "regionset", "regions": [
+        {"points": [[4, -13], [10, -13], [10, -7], [4, -7]]},
+        {"points": [[241121, -25]]},
+        {"points": [[23, -29], [25, -29], [25, -23], [23, -23]]}]})");
+    EXPECT_TRUE(cntrtool::needsRepair(s));
+    for (bool outerHull : {false, true}) {
+        const RepairResult r = repairShape(s, outerHull);
+        EXPECT_TRUE(r.failed);
+        EXPECT_FALSE(r.changed);
+        EXPECT_EQ(r.shape.set.rep(), s.set.rep());
+        EXPECT_EQ(r.notes,
+                  std::vector<std::string>{"shape 0: cannot be repaired: error 0x10004680"});
+    }
+}

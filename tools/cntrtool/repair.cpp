@@ -157,9 +157,7 @@ class Repairer {
     RepairResult& result_;
 };
 
-}  // namespace
-
-bool needsRepair(const Shape& shape) {
+bool needsRepairOrThrow(const Shape& shape) {
     RepairResult scratch;
     const Repairer repairer(shape, false, scratch);
     switch (shape.kind) {
@@ -178,6 +176,18 @@ bool needsRepair(const Shape& shape) {
         }
     }
     return false;
+}
+
+}  // namespace
+
+bool needsRepair(const Shape& shape) {
+    try {
+        return needsRepairOrThrow(shape);
+    } catch (const std::exception&) {
+        // The library refuses even to test the shape (a set member of fewer than three
+        // vertices, say): repairShape then fails with the library's reason and keeps it.
+        return true;
+    }
 }
 
 RepairResult repairShape(const Shape& shape, bool outerHull) {

@@ -22,7 +22,8 @@ struct RepairResult {
 };
 
 /// Whether the shape has a region outline (a hole's or a set member's too) that crosses
-/// itself, or, for a set, regions that cross each other.
+/// itself, or, for a set, regions that cross each other. A shape that the library refuses to
+/// test (it throws) counts as needing repair, so that repairShape reports why it cannot.
 bool needsRepair(const Shape& shape);
 
 /// Repairs a shape that needs it. A region whose outline crosses itself is replaced by the
