@@ -264,35 +264,50 @@ void edgeletContourOperations(xcContourT<xcEdgelet>& contour, const QueryArgs& a
 
 void exerciseContour(xcContour& contour, const xcContour& other, const QueryArgs& args) {
     attempt([&] { contour.cachedVectorSize(args.cachedVectorSize); });
-    modelOperations(contour, args);
-    extentQueries(contour, args);
-    segmentQueries(contour, other, args);
-    nearestQueries(contour, args);
-    hullAndFit(contour);
+    if (runs(args, QueryGroup::contourModel))
+        modelOperations(contour, args);
+    if (runs(args, QueryGroup::extent))
+        extentQueries(contour, args);
+    if (runs(args, QueryGroup::segments))
+        segmentQueries(contour, other, args);
+    if (runs(args, QueryGroup::nearest))
+        nearestQueries(contour, args);
+    if (runs(args, QueryGroup::hullAndFit))
+        hullAndFit(contour);
 }
 
 void exerciseRegion(xcRegion& region, const xcContour& other, const QueryArgs& args) {
-    regionModel(region, args);
-    regionMeasures(region);
-    regionQueries(region, other, args);
-    regionRepair(region);
+    if (runs(args, QueryGroup::regionModel))
+        regionModel(region, args);
+    if (runs(args, QueryGroup::regionMeasures))
+        regionMeasures(region);
+    if (runs(args, QueryGroup::regionQueries))
+        regionQueries(region, other, args);
+    if (runs(args, QueryGroup::regionRepair))
+        regionRepair(region);
     exerciseContour(region, other, args);
 }
 
 void exerciseRegionSet(xcRegionSet& set, const QueryArgs& args) {
     attempt([&] { set.cachedVectorSize(args.cachedVectorSize); });
-    setModel(set);
-    setQueries(set, args);
-    setRepair(set);
+    if (runs(args, QueryGroup::setModel))
+        setModel(set);
+    if (runs(args, QueryGroup::setQueries))
+        setQueries(set, args);
+    if (runs(args, QueryGroup::setRepair))
+        setRepair(set);
 }
 
 void exerciseContourT(xcContourT<xcEdgelet>& contour, const xcContour& other,
                       const QueryArgs& args) {
-    edgeletContourOperations(contour, args);
+    if (runs(args, QueryGroup::edgeletOperations))
+        edgeletContourOperations(contour, args);
     exerciseContour(contour, other, args);
 }
 
-void exerciseRegionT(xcRegionT<xcEdgelet>& region, const xcContour& other, const QueryArgs& args) {
+namespace {
+
+void edgeletRegionOperations(xcRegionT<xcEdgelet>& region, const QueryArgs& args) {
     if (allNumbers(region.points())) {
         const xcRegionT<xcEdgelet> copy(region);
         check(copy == region, "a copy of an edgelet region equals it");
@@ -307,19 +322,29 @@ void exerciseRegionT(xcRegionT<xcEdgelet>& region, const xcContour& other, const
           "regularizeT is refused");
     check(!attempt([&] { region.isClosed(false); }), "an edgelet region cannot be opened");
     edgeletContourOperations(region, args);
-    exerciseRegion(region, other, args);
 }
 
-void exerciseRegionSetT(xcRegionSetT<xcEdgelet>& set, const QueryArgs& args) {
-    {
-        const xcRegionSetT<xcEdgelet> copy(set);
-        check(copy.regionsT().size() == set.regionsT().size(), "a copy keeps the edgelet regions");
-    }
+void edgeletSetOperations(xcRegionSetT<xcEdgelet>& set) {
+    const xcRegionSetT<xcEdgelet> copy(set);
+    check(copy.regionsT().size() == set.regionsT().size(), "a copy keeps the edgelet regions");
     check(!attempt([&] {
         xcRegionSetT<xcEdgelet> out;
         set.regularizeT(out);
     }),
           "regularizeT is refused");
+}
+
+}  // namespace
+
+void exerciseRegionT(xcRegionT<xcEdgelet>& region, const xcContour& other, const QueryArgs& args) {
+    if (runs(args, QueryGroup::edgeletOperations))
+        edgeletRegionOperations(region, args);
+    exerciseRegion(region, other, args);
+}
+
+void exerciseRegionSetT(xcRegionSetT<xcEdgelet>& set, const QueryArgs& args) {
+    if (runs(args, QueryGroup::edgeletOperations))
+        edgeletSetOperations(set);
     exerciseRegionSet(set, args);
 }
 

@@ -17,6 +17,31 @@
 
 namespace xn_fuzz {
 
+/// The families of queries that the exercise functions run. `all` runs every one of them, in
+/// order on the same objects, so that caches filled by one query are read by the next; the
+/// others run one family alone, which lets a fuzzer spend most of its executions on the cheap
+/// queries instead of repeating the costly repairs on every input.
+enum class QueryGroup : unsigned char {
+    all,
+    moments,
+    roundTrips,
+    contourModel,
+    extent,
+    segments,
+    nearest,
+    hullAndFit,
+    regionModel,
+    regionMeasures,
+    regionQueries,
+    regionRepair,
+    setModel,
+    setQueries,
+    setRepair,
+    edgeletOperations,
+};
+/// The number of QueryGroup values, `all` included.
+constexpr unsigned kQueryGroupCount = 16;
+
 /// The arguments the queries are asked with.
 struct QueryArgs {
     /// The point of containment, nearest-point and vertex lookups.
@@ -31,7 +56,14 @@ struct QueryArgs {
     xcXform<2> xform;
     /// The memo limit set before the memoised queries run.
     long cachedVectorSize = 3;
+    /// The queries to run.
+    QueryGroup group = QueryGroup::all;
 };
+
+/// Whether the queries of `group` run under `args`.
+inline bool runs(const QueryArgs& args, QueryGroup group) {
+    return args.group == QueryGroup::all || args.group == group;
+}
 
 /// Every contour query, on `contour` (also reached through a region, which keeps the contour's
 /// rules), with `other` as the second contour of the contour-contour intersections.

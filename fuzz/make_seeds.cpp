@@ -283,11 +283,13 @@ void geometrySeeds(const std::string& dir) {
             w.coordinate(e);  // transform
         w.list(seed.first);
         w.list(seed.second);
-        for (std::size_t i = 0; i < seed.first.size(); ++i) {
-            w.byte(static_cast<unsigned>(i * 17));  // magnitude, low byte
-            w.byte(1);
-            w.byte(static_cast<unsigned>(i * 41));  // angle step
-        }
+        if ((seed.flags & 0x10u) != 0)
+            for (std::size_t i = 0; i < seed.first.size(); ++i) {
+                w.byte(static_cast<unsigned>(i * 17));  // magnitude, low byte
+                w.byte(1);
+                w.byte(static_cast<unsigned>(i * 41));  // angle step
+            }
+        // No focus byte: every query group runs on the seeds.
         writeFile(dir + "/" + seed.name, w.bytes());
     }
 }

@@ -59,6 +59,23 @@ TEST(FuzzCorpus, GeometrySeedsAnswerEveryQuery) {
     EXPECT_GE(runFolder(&xn_fuzz::geometryOneInput, "corpus/geometry"), 13u);
 }
 
+// A geometry seed ends with its shapes, so a byte added to it is the focus byte: every query
+// group runs alone on every seed (the value 16 wraps round to 0, every group at once).
+TEST(FuzzCorpus, GeometrySeedsAnswerEachQueryGroupAlone) {
+    std::vector<fs::path> files;
+    for (const auto& entry : fs::directory_iterator(fs::path(CNTR_FUZZ_DIR) / "corpus/geometry"))
+        files.push_back(entry.path());
+    std::sort(files.begin(), files.end());
+    ASSERT_GE(files.size(), 13u);
+    for (const fs::path& file : files)
+        for (unsigned focus = 1; focus <= 16; ++focus) {
+            std::vector<unsigned char> bytes = readFile(file);
+            bytes.push_back(static_cast<unsigned char>(focus));
+            EXPECT_EQ(xn_fuzz::geometryOneInput(bytes.data(), bytes.size()), 0)
+                << file << " focus " << focus;
+        }
+}
+
 #ifdef CNTR_FUZZ_JSON
 // Seven files that the tool writes itself (five single shapes, all of them, a COCO file).
 TEST(FuzzCorpus, JsonSeedsAreReadMeasuredAndWrittenBack) {
