@@ -15,32 +15,44 @@
 #include <foundation/vector.h>
 #include <foundation/xform.h>
 
+#include "fuzz_support.h"
+
 namespace xn_fuzz {
 
-/// The families of queries that the exercise functions run. `all` runs every one of them, in
-/// order on the same objects, so that caches filled by one query are read by the next; the
-/// others run one family alone, which lets a fuzzer spend most of its executions on the cheap
-/// queries instead of repeating the costly repairs on every input.
-enum class QueryGroup : unsigned char {
-    all,
-    moments,
-    roundTrips,
-    contourModel,
-    extent,
-    segments,
-    nearest,
-    hullAndFit,
-    regionModel,
-    regionMeasures,
-    regionQueries,
-    regionRepair,
-    setModel,
-    setQueries,
-    setRepair,
-    edgeletOperations,
+/// Which of the queries that the exercise functions reach are run. Each query reached at the
+/// top level takes a turn, numbered from 0 in the order reached (what a running query calls
+/// itself takes no turn). By default every query runs; a fuzzer can instead run the one query
+/// of a given turn, so that an execution costs one query instead of hundreds of them.
+void runEveryQuery();
+/// Runs only the query whose turn is `turn`; the others are reached and counted, not run.
+void runOnlyTurn(long turn);
+/// Runs every query from now on, like runEveryQuery(), but keeps the counts of the turns
+/// taken and queries run so far readable.
+void backToEveryQuery();
+/// The turns taken since the last runEveryQuery() or runOnlyTurn().
+long turnsTaken();
+/// The top-level queries run since the last runEveryQuery() or runOnlyTurn().
+long queriesRun();
+/// Whether the query reached now runs; takes its turn.
+bool nextTurn();
+/// Marks the span of a running query, in which nextTurn() is always true and takes no turn.
+class RunningQuery {
+  public:
+    RunningQuery();
+    ~RunningQuery();
+    RunningQuery(const RunningQuery&) = delete;
+    RunningQuery& operator=(const RunningQuery&) = delete;
 };
-/// The number of QueryGroup values, `all` included.
-constexpr unsigned kQueryGroupCount = 16;
+
+/// Runs `op` as one query when its turn has come: see attempt() for its exceptions. Whether it
+/// ran and returned normally.
+template <class Op>
+bool query(Op&& op) {
+    if (!nextTurn())
+        return false;
+    const RunningQuery running;
+    return attempt(op);
+}
 
 /// The arguments the queries are asked with.
 struct QueryArgs {
@@ -56,14 +68,7 @@ struct QueryArgs {
     xcXform<2> xform;
     /// The memo limit set before the memoised queries run.
     long cachedVectorSize = 3;
-    /// The queries to run.
-    QueryGroup group = QueryGroup::all;
 };
-
-/// Whether the queries of `group` run under `args`.
-inline bool runs(const QueryArgs& args, QueryGroup group) {
-    return args.group == QueryGroup::all || args.group == group;
-}
 
 /// Every contour query, on `contour` (also reached through a region, which keeps the contour's
 /// rules), with `other` as the second contour of the contour-contour intersections.

@@ -10,8 +10,9 @@
 //     2 for the point pairs), the transform (6 coordinates);
 //   the first vertex list, the second vertex list (a count byte and the points each);
 //   for the edgelet shapes, a 16-bit magnitude and an angle byte per vertex of the first list;
-//   the focus byte: modulo the number of query groups, the group to run (QueryGroup); absent,
-//     or 0, every group runs, so an input that ends with its shapes runs every query.
+//   the focus: when bytes follow the shapes, a 16-bit number whose value modulo 512 picks the
+//     one query to run, by its turn (see runOnlyTurn; a number beyond the queries reached
+//     wraps round to them); an input that ends with its shapes runs every query.
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -32,6 +33,10 @@ namespace xn_fuzz {
 namespace {
 
 using Points = std::vector<xcVector<2>>;
+
+/// A focus number picks a turn modulo this: above the number of queries a full run reaches
+/// (about 300 with the edgelet shapes), so that every query can be picked.
+constexpr long kFocusRange = 512;
 
 struct GeometryInput {
     bool closed = false;
@@ -70,24 +75,23 @@ GeometryInput decode(ByteReader& in) {
             const std::uint16_t magnitude = in.u16();
             g.data.emplace_back(p, magnitude, xcAngle8(in.byte()));
         }
-    g.args.group = static_cast<QueryGroup>(in.byte() % kQueryGroupCount);
     return g;
 }
 
 void momentFunctions(const Points& first, const Points& second) {
-    attempt([&] { (void)xf_Area(first); });
-    attempt([&] { (void)xf_CenterOfMass(first); });
-    attempt([&] {
+    query([&] { (void)xf_Area(first); });
+    query([&] { (void)xf_CenterOfMass(first); });
+    query([&] {
         xc_InertiaData data = xf_InertiaDataPolygon(first);
         (void)xf_EllipseFromInertiaData(data);
         (void)(data + xf_InertiaDataPolygon(second));
     });
-    attempt([&] {
+    query([&] {
         xcEllipse ellipse;
         double rms = 0.0;
         xf_FitEllipse(first, ellipse, rms);
     });
-    attempt([&] {
+    query([&] {
         std::vector<double> xs;
         for (const xcVector<2>& p : first)
             xs.push_back(p.x());
@@ -108,7 +112,7 @@ void plainShapes(const GeometryInput& g) {
     xcPtrHandle<xcContour> first(new xcContour(g.first, g.closed, 7));
     const xcContour second(g.second, !g.closed);
     exerciseContour(*first, second, g.args);
-    if (runs(g.args, QueryGroup::roundTrips))
+    if (nextTurn())
         checkRoundTrip(first, "a stored contour loads and stores again to the same bytes");
 
     xcPtrHandle<xcRegion> outer = regionOf(g.first, g.mode);
@@ -116,7 +120,7 @@ void plainShapes(const GeometryInput& g) {
     if (g.secondIsHole)
         attempt([&] { outer->holes(std::vector<xcPtrHandle<xcRegion>>{inner}); });
     exerciseRegion(*outer, second, g.args);
-    if (runs(g.args, QueryGroup::roundTrips))
+    if (nextTurn())
         checkRoundTrip(outer, "a stored region loads and stores again to the same bytes");
 
     xcPtrHandle<xcRegionSet> set;
@@ -124,7 +128,7 @@ void plainShapes(const GeometryInput& g) {
     if (!attempt([&] { set = xcPtrHandle<xcRegionSet>(new xcRegionSet(members, g.mode)); }))
         set = xcPtrHandle<xcRegionSet>(new xcRegionSet(members));
     exerciseRegionSet(*set, g.args);
-    if (runs(g.args, QueryGroup::roundTrips))
+    if (nextTurn())
         checkRoundTrip(set, "a stored region set loads and stores again to the same bytes");
 }
 
@@ -137,7 +141,7 @@ void edgeletShapes(const GeometryInput& g) {
             contour = xcPtrHandle<xcContourT<xcEdgelet>>(new xcContourT<xcEdgelet>(g.data, xform));
         })) {
         exerciseContourT(*contour, second, g.args);
-        if (runs(g.args, QueryGroup::roundTrips))
+        if (nextTurn())
             checkRoundTrip(contour, "a stored edgelet contour loads and stores again");
     }
 
@@ -147,7 +151,7 @@ void edgeletShapes(const GeometryInput& g) {
         }))
         region = xcPtrHandle<xcRegionT<xcEdgelet>>(new xcRegionT<xcEdgelet>(g.data, 3));
     exerciseRegionT(*region, second, g.args);
-    if (runs(g.args, QueryGroup::roundTrips))
+    if (nextTurn())
         checkRoundTrip(region, "a stored edgelet region loads and stores again");
 
     const xcPtrHandle<xcRegionT<xcEdgelet>> other(
@@ -155,9 +159,23 @@ void edgeletShapes(const GeometryInput& g) {
     xcPtrHandle<xcRegionSetT<xcEdgelet>> set(
         new xcRegionSetT<xcEdgelet>(xcRegionSetT<xcEdgelet>::MutableRegionTHandles{region, other}));
     exerciseRegionSetT(*set, g.args);
-    if (runs(g.args, QueryGroup::roundTrips))
+    if (nextTurn())
         checkRoundTrip(set, "a stored edgelet region set loads and stores again");
 }
+
+/// Every query on the shapes of `g`, in the turns' order.
+void exerciseShapes(const GeometryInput& g) {
+    momentFunctions(g.first, g.second);
+    plainShapes(g);
+    if (g.edgelets)
+        edgeletShapes(g);
+}
+
+/// Puts the exercise functions back to running every query when an input is done (the
+/// archive target and the tests count on it); the input's counts stay readable.
+struct EveryQueryAfterwards {
+    ~EveryQueryAfterwards() { backToEveryQuery(); }
+};
 
 }  // namespace
 
@@ -165,11 +183,20 @@ int geometryOneInput(const std::uint8_t* data, std::size_t size) {
     installAssertHandler();
     ByteReader in(data, size);
     const GeometryInput g = decode(in);
-    if (runs(g.args, QueryGroup::moments))
-        momentFunctions(g.first, g.second);
-    plainShapes(g);
-    if (g.edgelets)
-        edgeletShapes(g);
+    const EveryQueryAfterwards restore;
+    if (in.empty()) {
+        runEveryQuery();
+        exerciseShapes(g);
+        return 0;
+    }
+    const long focus = in.u16() % kFocusRange;
+    runOnlyTurn(focus);
+    exerciseShapes(g);
+    const long reached = turnsTaken();
+    if (queriesRun() == 0 && reached > 0) {
+        runOnlyTurn(focus % reached);
+        exerciseShapes(g);
+    }
     return 0;
 }
 

@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include "exercise.h"
 #include "targets.h"
 
 namespace {
@@ -59,21 +60,36 @@ TEST(FuzzCorpus, GeometrySeedsAnswerEveryQuery) {
     EXPECT_GE(runFolder(&xn_fuzz::geometryOneInput, "corpus/geometry"), 13u);
 }
 
-// A geometry seed ends with its shapes, so a byte added to it is the focus byte: every query
-// group runs alone on every seed (the value 16 wraps round to 0, every group at once).
-TEST(FuzzCorpus, GeometrySeedsAnswerEachQueryGroupAlone) {
+#ifdef CNTR_TESTS_SANITIZED
+constexpr long kTurnStride = 7;
+#else
+constexpr long kTurnStride = 1;
+#endif
+
+// A geometry seed ends with its shapes and so runs every query; two bytes added to it pick one
+// query by its turn, and exactly that one runs. A number beyond the turns reached wraps round.
+TEST(FuzzCorpus, GeometrySeedsAnswerEachQueryAlone) {
     std::vector<fs::path> files;
     for (const auto& entry : fs::directory_iterator(fs::path(CNTR_FUZZ_DIR) / "corpus/geometry"))
         files.push_back(entry.path());
     std::sort(files.begin(), files.end());
     ASSERT_GE(files.size(), 13u);
-    for (const fs::path& file : files)
-        for (unsigned focus = 1; focus <= 16; ++focus) {
-            std::vector<unsigned char> bytes = readFile(file);
-            bytes.push_back(static_cast<unsigned char>(focus));
-            EXPECT_EQ(xn_fuzz::geometryOneInput(bytes.data(), bytes.size()), 0)
-                << file << " focus " << focus;
+    for (const fs::path& file : files) {
+        const std::vector<unsigned char> bytes = readFile(file);
+        ASSERT_EQ(xn_fuzz::geometryOneInput(bytes.data(), bytes.size()), 0) << file;
+        const long turns = xn_fuzz::turnsTaken();
+        EXPECT_EQ(xn_fuzz::queriesRun(), turns) << file;
+        EXPECT_GE(turns, 100) << file;
+        for (long focus = 0; focus < turns + 3; focus += kTurnStride) {
+            std::vector<unsigned char> focused = bytes;
+            focused.push_back(static_cast<unsigned char>(focus & 0xFF));
+            focused.push_back(static_cast<unsigned char>(focus >> 8));
+            EXPECT_EQ(xn_fuzz::geometryOneInput(focused.data(), focused.size()), 0)
+                << file << " turn " << focus;
+            EXPECT_EQ(xn_fuzz::queriesRun(), 1) << file << " turn " << focus;
+            EXPECT_EQ(xn_fuzz::turnsTaken(), turns) << file << " turn " << focus;
         }
+    }
 }
 
 #ifdef CNTR_FUZZ_JSON
