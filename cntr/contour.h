@@ -313,6 +313,9 @@ private:
     void collectHits(const xcLineSeg& seg, bool includeEndTouches, bool plain,
                      std::vector<xn_contourDetail::SegmentHit>& hits) const;
     bool selfIntersectingPlain() const;
+    // The furthest-pair circle from the loop over every vertex pair (the reference the filtered
+    // loop is tested against).
+    xcCircle furthestPairCirclePlain() const;
     bool selfIntersectingSwept() const;
     xcVector<2> nearestPoint(const xcVector<2>& point, bool vertexOnly, bool plain = false) const;
     xcVector<2> nearestPointIndexed(const xn_contourDetail::EdgeIndex& index,

@@ -48,10 +48,13 @@ private:
 double xcContour::length() const {
     if (points_.empty()) return 0.0;
     if (lengthValid_) return length_;
-    length_ = 0.0;
+    // The sum runs in a local: the member would be stored and reloaded on every edge, since the
+    // compiler cannot tell it from the vertices' doubles. Same edges, same order as forEachEdge.
+    double sum = 0.0;
     forEachEdge(points_.size(), isClosed(), [&](std::size_t, std::size_t a, std::size_t b) {
-        length_ += points_[a].distance(points_[b]);
+        sum += points_[a].distance(points_[b]);
     });
+    length_ = sum;
     lengthValid_ = true;
     return length_;
 }
