@@ -18,6 +18,7 @@ struct xcContourTestAccess {
         return c.hitsAlong(seg, edges, includeEndTouches, false);
     }
     static bool plainSelfIntersecting(const xcContour& c) { return c.selfIntersectingPlain(); }
+    static double plainLength(const xcContour& c) { return c.lengthPlain(); }
     static xcCircle plainFurthestPairCircle(const xcContour& c) {
         return c.furthestPairCirclePlain();
     }
