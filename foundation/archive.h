@@ -222,6 +222,10 @@ class FOUNDATION_API xcMemoryArchive : public xcArchive {
 
     /// Storing: everything written so far, header included.
     const std::vector<unsigned char>& bytes() const { return out_; }
+    /// Storing: moves out everything written so far, header included, without copying it. The
+    /// archive is left empty: what it stores afterwards starts a new byte vector, without a
+    /// header, which is only useful appended to the bytes taken.
+    std::vector<unsigned char> takeBytes();
     std::uint64_t bytesLeft() const override;
 
   protected:

@@ -1,4 +1,5 @@
 // The concrete archives: in memory and on a file.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <limits>
@@ -10,6 +11,10 @@
 using xn_archive_detail::widen;
 
 namespace {
+
+/// A storing memory archive grows by at least twice its capacity, and a block written into it
+/// leaves room for at least one part in this many of its size after it.
+constexpr std::size_t kTailRoomShare = 16;
 
 std::wstring shortfall(std::size_t needed, std::uint64_t left) {
     return L": " + std::to_wstring(needed) + L" bytes needed, " + std::to_wstring(left) + L" left";
@@ -39,7 +44,17 @@ std::uint64_t xcMemoryArchive::bytesLeft() const {
     return isLoading() ? size_ - pos_ : std::numeric_limits<std::uint64_t>::max();
 }
 
+std::vector<unsigned char> xcMemoryArchive::takeBytes() {
+    std::vector<unsigned char> taken;
+    taken.swap(out_);
+    return taken;
+}
+
 void xcMemoryArchive::writeRaw(const void* data, std::size_t n) {
+    // A large block (the vertices of a shape) comes with room for the small fields that
+    // usually follow it, so that they do not move the whole buffer once more.
+    if (n > out_.capacity() - out_.size())
+        out_.reserve(std::max(2 * out_.capacity(), out_.size() + n + n / kTailRoomShare));
     const auto* p = static_cast<const unsigned char*>(data);
     out_.insert(out_.end(), p, p + n);
 }

@@ -141,11 +141,87 @@ void extendChain(std::vector<xcVector<2>>& chain, std::size_t chainStart, const 
     chain.push_back(p);
 }
 
+/// Below this many points the filter costs more than it saves.
+constexpr std::size_t kInteriorFilterMinPoints = 64;
+/// The directions of the octagon's corners, counter-clockwise from -x: (dx, dy).
+constexpr int kOctagonDirections[8][2] = {{-1, 0}, {-1, -1}, {0, -1}, {1, -1},
+                                          {1, 0},  {1, 1},   {0, 1},  {-1, 1}};
+
+// The points extreme in the eight directions of kOctagonDirections (the first one met in each),
+// counter-clockwise, with consecutive repeats removed: a convex polygon inscribed in the hull.
+std::vector<xcVector<2>> extremeOctagon(const std::vector<xcVector<2>>& points) {
+    std::size_t best[8] = {};
+    double reach[8];
+    for (int k = 0; k < 8; ++k)
+        reach[k] =
+            kOctagonDirections[k][0] * points[0].x() + kOctagonDirections[k][1] * points[0].y();
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const double x = points[i].x();
+        const double y = points[i].y();
+        for (int k = 0; k < 8; ++k) {
+            const double r = kOctagonDirections[k][0] * x + kOctagonDirections[k][1] * y;
+            if (r > reach[k]) {
+                reach[k] = r;
+                best[k] = i;
+            }
+        }
+    }
+    std::vector<xcVector<2>> octagon;
+    for (std::size_t k : best)
+        if (octagon.empty() || !(points[k] == octagon.back()))
+            octagon.push_back(points[k]);
+    while (octagon.size() > 1 && octagon.front() == octagon.back())
+        octagon.pop_back();
+    return octagon;
+}
+
+// Whether `p` lies strictly inside the convex counter-clockwise polygon `polygon` (exactly).
+bool strictlyInside(const std::vector<xcVector<2>>& polygon, const xcVector<2>& p) {
+    for (std::size_t k = 0; k < polygon.size(); ++k) {
+        const xcVector<2>& a = polygon[k];
+        const xcVector<2>& b = polygon[k + 1 == polygon.size() ? 0 : k + 1];
+        if (orientation(a, b, p) <= 0)
+            return false;
+    }
+    return true;
+}
+
+// The points that can be hull vertices: all but those strictly inside the octagon of extreme
+// points, which lie strictly inside the hull. The exact test never drops a point on the hull's
+// boundary, so the hull of what remains is the hull of all points, vertex for vertex.
+std::vector<xcVector<2>> possibleHullVertices(const std::vector<xcVector<2>>& points) {
+    if (points.size() < kInteriorFilterMinPoints)
+        return points;
+    const std::vector<xcVector<2>> octagon = extremeOctagon(points);
+    if (octagon.size() < 3)
+        return points;
+    std::vector<xcVector<2>> kept;
+    kept.reserve(points.size());
+    for (const xcVector<2>& p : points)
+        if (!strictlyInside(octagon, p))
+            kept.push_back(p);
+    return kept;
+}
+
+void monotoneChainHull(std::vector<xcVector<2>> sorted, std::vector<xcVector<2>>& hull);
+
 }  // namespace
 
 void xfConvexHull(const std::vector<xcVector<2>>& points, std::vector<xcVector<2>>& hull) {
     checkFinite(points);
-    std::vector<xcVector<2>> sorted(points);
+    monotoneChainHull(possibleHullVertices(points), hull);
+}
+
+void xn_hullDetail::convexHullOfEveryPoint(const std::vector<xcVector<2>>& points,
+                                           std::vector<xcVector<2>>& hull) {
+    checkFinite(points);
+    monotoneChainHull(points, hull);
+}
+
+namespace {
+
+// Andrew's monotone chain over `sorted` (sorted here: it arrives in any order).
+void monotoneChainHull(std::vector<xcVector<2>> sorted, std::vector<xcVector<2>>& hull) {
     std::sort(sorted.begin(), sorted.end(), LexicographicLess());
     sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
 
@@ -164,3 +240,5 @@ void xfConvexHull(const std::vector<xcVector<2>>& points, std::vector<xcVector<2
     result.pop_back();  // the upper chain ends where the lower one began
     hull = std::move(result);
 }
+
+}  // namespace

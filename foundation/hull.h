@@ -15,7 +15,16 @@
 /// input in which no three points mix nonzero coordinates more than a factor 2^450 apart.
 /// O(n log n) (monotone chain). Throws xcMathError::NotFinite when a coordinate is NaN or
 /// infinite; `hull` is then left unchanged.
+/// From 64 points on, the points strictly inside the octagon of the points extreme in eight
+/// directions (an exact test) are set aside before the sort: they cannot be hull vertices.
 FOUNDATION_API void xfConvexHull(const std::vector<xcVector<2>>& points,
                                  std::vector<xcVector<2>>& hull);
+
+namespace xn_hullDetail {
+/// xfConvexHull without setting interior points aside: the reference the filtered hull is
+/// tested against. Same result, same exceptions.
+FOUNDATION_API void convexHullOfEveryPoint(const std::vector<xcVector<2>>& points,
+                                           std::vector<xcVector<2>>& hull);
+}  // namespace xn_hullDetail
 
 #endif

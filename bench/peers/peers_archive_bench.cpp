@@ -30,7 +30,7 @@ Bytes archiveStore(const xcPtrHandle<xcContour>& contour) {
     xcMemoryArchive out;
     xcPtrHandle<xcContour> h = contour;
     out || h;
-    return out.bytes();
+    return out.takeBytes();
 }
 
 xcPtrHandle<xcContour> archiveLoad(const Bytes& bytes) {

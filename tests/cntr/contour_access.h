@@ -18,6 +18,10 @@ struct xcContourTestAccess {
         return c.hitsAlong(seg, edges, includeEndTouches, false);
     }
     static bool plainSelfIntersecting(const xcContour& c) { return c.selfIntersectingPlain(); }
+    static double plainLength(const xcContour& c) { return c.lengthPlain(); }
+    static xcCircle plainFurthestPairCircle(const xcContour& c) {
+        return c.furthestPairCirclePlain();
+    }
     static bool sweptSelfIntersecting(const xcContour& c) { return c.selfIntersectingSwept(); }
     static xcVector<2> plainClosestPoint(const xcContour& c, const xcVector<2>& p) {
         return c.nearestPoint(p, false, true);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <thread>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include <cntr/contour.h>
 #include <foundation/random.h>
 
+#include "contour_access.h"
 #include "contour_testing.h"
 
 namespace {
@@ -25,13 +27,15 @@ void runInFreshThread(Body body) {
 std::vector<long> expectedVictims(const std::vector<double>& counts) {
     xcRandomUniform g(1);
     std::vector<long> victims;
-    for (double s : counts) victims.push_back(static_cast<long>(std::floor(g.next(0.0, s))));
+    for (double s : counts)
+        victims.push_back(static_cast<long>(std::floor(g.next(0.0, s))));
     return victims;
 }
 
 std::vector<double> memoAngles(const ContourProbe& c) {
     std::vector<double> keys;
-    for (const auto& e : *c.cacheState().extremalVertexMemo) keys.push_back(e.first.toDouble());
+    for (const auto& e : *c.cacheState().extremalVertexMemo)
+        keys.push_back(e.first.toDouble());
     return keys;
 }
 
@@ -39,9 +43,13 @@ std::vector<double> memoAngles(const ContourProbe& c) {
 
 // ---- length ----
 
-TEST(ContourLength, ClosedUnitSquareIsFour) { EXPECT_EQ(xcContour(unitSquare(), true).length(), 4.0); }
+TEST(ContourLength, ClosedUnitSquareIsFour) {
+    EXPECT_EQ(xcContour(unitSquare(), true).length(), 4.0);
+}
 
-TEST(ContourLength, OpenUnitSquareIsThree) { EXPECT_EQ(xcContour(unitSquare(), false).length(), 3.0); }
+TEST(ContourLength, OpenUnitSquareIsThree) {
+    EXPECT_EQ(xcContour(unitSquare(), false).length(), 3.0);
+}
 
 TEST(ContourLength, EmptyContourIsZeroWithoutCaching) {
     const ContourProbe c;
@@ -185,7 +193,8 @@ TEST(ContourExtremalVertex, NeedsTwoVertices) {
 TEST(ContourExtremalVertex, FiveAnglesWithDefaultLimitLeaveFourEntries) {
     runInFreshThread([] {
         const ContourProbe c(unitSquare(), true, 0);
-        for (int k = 0; k < 4; ++k) c.extremalVertexIndex(xcRadian(0.1 * (k + 1)));
+        for (int k = 0; k < 4; ++k)
+            c.extremalVertexIndex(xcRadian(0.1 * (k + 1)));
         EXPECT_EQ(c.cacheState().extremalVertexMemo->size(), 4u);  // limit 3, plus one
         c.extremalVertexIndex(xcRadian(0.05));
         EXPECT_EQ(c.cacheState().extremalVertexMemo->size(), 4u);
@@ -196,7 +205,8 @@ TEST(ContourExtremalVertex, ReplacementFollowsThreadGeneratorInKeyOrder) {
     runInFreshThread([] {
         const ContourProbe c(unitSquare(), true, 0);
         const std::vector<double> angles{0.4, 0.1, 0.3, 0.2};
-        for (double a : angles) c.extremalVertexIndex(xcRadian(a));
+        for (double a : angles)
+            c.extremalVertexIndex(xcRadian(a));
         c.extremalVertexIndex(xcRadian(0.25));  // the first draw of this thread, over 4 entries
         c.extremalVertexIndex(xcRadian(0.35));  // the second draw, over 4 entries
 
@@ -214,7 +224,8 @@ TEST(ContourExtremalVertex, EveryThreadStartsItsOwnGeneratorAtSeedOne) {
     std::vector<double> first, second;
     const auto fill = [](std::vector<double>* out) {
         const ContourProbe c(unitSquare(), true, 0);
-        for (double a : {0.1, 0.2, 0.3, 0.4, 0.5}) c.extremalVertexIndex(xcRadian(a));
+        for (double a : {0.1, 0.2, 0.3, 0.4, 0.5})
+            c.extremalVertexIndex(xcRadian(a));
         *out = memoAngles(c);
     };
     runInFreshThread([&] { fill(&first); });
@@ -330,16 +341,20 @@ TEST(ContourEncloseRect, IdentityKeyServesTransformDifferingOnlyInElementOneOne)
 TEST(ContourEncloseRect, OtherElementsAreKeyed) {
     xcContour c(unitSquare(), true);
     c.encloseRect(xcXform<2>::I);
-    EXPECT_EQ(c.encloseRect(xcXform<2>(xcMatrix<2>(2, 0, 0, 1), xcVector<2>())).lr(), xcVector<2>(2, 1));
-    EXPECT_EQ(c.encloseRect(xcXform<2>(xcMatrix<2>(1, 1, 0, 1), xcVector<2>())).lr(), xcVector<2>(2, 1));
-    EXPECT_EQ(c.encloseRect(xcXform<2>(xcMatrix<2>(1, 0, 1, 1), xcVector<2>())).lr(), xcVector<2>(1, 2));
+    EXPECT_EQ(c.encloseRect(xcXform<2>(xcMatrix<2>(2, 0, 0, 1), xcVector<2>())).lr(),
+              xcVector<2>(2, 1));
+    EXPECT_EQ(c.encloseRect(xcXform<2>(xcMatrix<2>(1, 1, 0, 1), xcVector<2>())).lr(),
+              xcVector<2>(2, 1));
+    EXPECT_EQ(c.encloseRect(xcXform<2>(xcMatrix<2>(1, 0, 1, 1), xcVector<2>())).lr(),
+              xcVector<2>(1, 2));
     EXPECT_EQ(c.encloseRect(xcXform<2>(xcMatrix<2>::I, xcVector<2>(0, 1))).lr(), xcVector<2>(1, 2));
 }
 
 TEST(ContourEncloseRect, FifthTransformKeepsFourEntries) {
     runInFreshThread([] {
         ContourProbe c(unitSquare(), true, 0);
-        for (int k = 1; k <= 5; ++k) c.encloseRect(xcXform<2>(xcMatrix<2>::I, xcVector<2>(k, 0)));
+        for (int k = 1; k <= 5; ++k)
+            c.encloseRect(xcXform<2>(xcMatrix<2>::I, xcVector<2>(k, 0)));
         EXPECT_EQ(c.cacheState().rectMemo->size(), 4u);
     });
 }
@@ -366,4 +381,73 @@ TEST(ContourEncloseRect, NeedsTwoVertices) {
     ContourProbe c(Points{{0, 0}}, false, 0);
     expectEmptyContour([&] { c.encloseRect(xcXform<2>::I); });
     EXPECT_EQ(c.cacheState().rectMemo, nullptr);
+}
+
+// ---- the interleaved length sum against the sum in edge order ----
+
+namespace {
+
+// |a - b| <= 1e-10 |b|, with NaN equal to NaN and infinities equal to themselves.
+bool withinRelative(double a, double b) {
+    if (std::isnan(a) || std::isnan(b))
+        return std::isnan(a) && std::isnan(b);
+    if (std::isinf(a) || std::isinf(b))
+        return a == b;
+    return std::fabs(a - b) <= 1e-10 * std::fabs(b);
+}
+
+}  // namespace
+
+TEST(ContourLength, InterleavedSumAgreesWithTheSumInEdgeOrder) {
+    xcRandomUniform g(77);
+    int checked = 0;
+    for (int s = 0; s < 2000; ++s) {
+        const int n =
+            static_cast<int>(g.next(0.0, 1.0) < 0.5 ? g.next(1.0, 12.0) : g.next(1.0, 5000.0));
+        const double scale = std::pow(10.0, g.next(-6.0, 8.0));
+        const xcVector<2> offset(g.next(-1e6, 1e6), g.next(-1e6, 1e6));
+        Points p;
+        for (int i = 0; i < n; ++i) {
+            if (i > 0 && g.next(0.0, 1.0) < 0.1) {
+                p.push_back(p.back());  // zero-length edge
+                continue;
+            }
+            p.push_back(offset + xcVector<2>(g.next(-1.0, 1.0), g.next(-1.0, 1.0)) * scale);
+        }
+        for (bool closed : {true, false}) {
+            const xcContour c(p, closed);
+            const double plain = xcContourTestAccess::plainLength(c);
+            EXPECT_TRUE(withinRelative(c.length(), plain))
+                << "shape " << s << " n " << n << " closed " << closed << ": " << c.length()
+                << " vs " << plain;
+            ++checked;
+        }
+    }
+    EXPECT_EQ(checked, 4000);
+}
+
+TEST(ContourLength, NonFiniteVerticesGiveWhatTheSumInEdgeOrderGives) {
+    const double inf = std::numeric_limits<double>::infinity();
+    for (double odd : {std::nan(""), inf, -inf, 1e308}) {
+        for (int at : {0, 1, 5, 9}) {
+            Points p;
+            for (int i = 0; i < 10; ++i)
+                p.emplace_back(i, i % 3);
+            p[static_cast<std::size_t>(at)] = xcVector<2>(odd, 0.0);
+            for (bool closed : {true, false}) {
+                const xcContour c(p, closed);
+                EXPECT_TRUE(withinRelative(c.length(), xcContourTestAccess::plainLength(c)))
+                    << odd << " at " << at << " closed " << closed;
+            }
+        }
+    }
+}
+
+// Seven unit edges and the closing edge of length 7, summed exactly either way.
+TEST(ContourLength, InterleavedSumOfASegmentWalkIsExact) {
+    Points p;
+    for (int i = 0; i < 8; ++i)
+        p.emplace_back(i, 0);
+    EXPECT_EQ(xcContour(p, false).length(), 7.0);
+    EXPECT_EQ(xcContour(p, true).length(), 14.0);
 }

@@ -60,6 +60,41 @@ TEST(ArchiveHeader, EmptyStoringArchiveHoldsMagicAndFormatVersion) {
     EXPECT_EQ(ar.bytes(), expected);
 }
 
+TEST(ArchiveHeader, TakeBytesMovesOutWhatWasWrittenAndLeavesTheArchiveEmpty) {
+    xcMemoryArchive ar;
+    unsigned char first = 0xAB;
+    ar || first;
+    const Bytes taken = ar.takeBytes();
+    EXPECT_EQ(taken, (Bytes{'X', 'C', 'A', 'R', 1, 0, 0, 0, 0xAB}));
+    EXPECT_TRUE(ar.bytes().empty());
+    unsigned char second = 0xCD;
+    ar || second;
+    EXPECT_EQ(ar.bytes(), (Bytes{0xCD}));  // no second header
+}
+
+// A block far larger than what precedes it, then small fields: every byte lands in order.
+TEST(ArchiveHeader, LargeBlockFollowedBySmallFieldsKeepsEveryByte) {
+    std::vector<xcVector<2>> points;
+    for (int i = 0; i < 100000; ++i)
+        points.emplace_back(i * 0.5, -i * 0.25);
+    xcMemoryArchive out;
+    xfSerializeVector(out, points);
+    for (unsigned char tail = 0; tail < 200; ++tail)
+        out || tail;
+    const Bytes bytes = out.takeBytes();
+    EXPECT_EQ(bytes.size(), kHeaderSize + 1 + 4 + points.size() * 16 + 200);
+    xcMemoryArchive in(bytes);
+    std::vector<xcVector<2>> loaded;
+    xfSerializeVector(in, loaded);
+    EXPECT_EQ(loaded, points);
+    for (unsigned expected = 0; expected < 200; ++expected) {
+        unsigned char tail = 0;
+        in || tail;
+        EXPECT_EQ(tail, expected);
+    }
+    EXPECT_EQ(in.bytesLeft(), 0u);
+}
+
 TEST(ArchiveHeader, Directions) {
     xcMemoryArchive out;
     EXPECT_TRUE(out.isStoring());

@@ -251,10 +251,106 @@ TEST(ConvexHull, RandomSetsSatisfyHullLaws) {
             return;
     }
 }
+
+// Large enough for the interior filter: the laws, checked in exact integers, and the very
+// vertices of the hull computed from every point.
+TEST(ConvexHull, LargeRandomSetsSatisfyHullLawsAndMatchTheHullOfEveryPoint) {
+    for (std::uint64_t seed = 0; seed < 300; ++seed) {
+        xcRandomUniform random(seed);
+        const int count = 60 + static_cast<int>(std::floor(random.next(0.0, 1500.0)));
+        Points points;
+        switch (seed % 3) {
+            case 0:
+                points = integerGridPoints(random, count);
+                break;
+            case 1:
+                points = unitSquarePoints(random, count);
+                break;
+            default:
+                points = nearLinePoints(random, count);
+                break;
+        }
+        SCOPED_TRACE(::testing::Message() << "seed " << seed << ", " << count << " points");
+        const Points hull = hullOf(points);
+        expectIsHull(points, hull);
+        Points reference;
+        xn_hullDetail::convexHullOfEveryPoint(points, reference);
+        EXPECT_EQ(hull, reference);
+        if (::testing::Test::HasFailure())
+            return;
+    }
+}
 #else
 TEST(ConvexHull, RandomSetsSatisfyHullLaws) {
     GTEST_SKIP() << "needs 128-bit integers";
 }
 #endif
+
+// Shapes whose hull vertices are many or whose octagon is degenerate: points on a circle (all
+// on the hull), stars, a segment with repeats, a thin sliver, huge and tiny magnitudes.
+Points filterShape(xcRandomUniform& random, int family, int count) {
+    Points points;
+    const double scale = family == 5 ? 1e200 : (family == 6 ? 1e-200 : 100.0);
+    for (int i = 0; i < count; ++i) {
+        const double a = 2.0 * 3.141592653589793 * i / count;
+        double r = 1.0;
+        switch (family) {
+            case 0:
+                break;
+            case 1:
+                r = 1.0 + 0.3 * std::sin(3.0 * a) + 0.1 * std::cos(11.0 * a);
+                break;
+            case 2:
+                r = random.next(0.2, 1.0);
+                break;
+            case 3:
+                points.push_back(xcVector<2>(3.0, 4.0) * std::floor(random.next(0.0, 30.0)));
+                continue;
+            case 4:
+                points.push_back({random.next(0.0, 1000.0), random.next(0.0, 1e-9)});
+                continue;
+            default:
+                r = random.next(0.0, 1.0);
+        }
+        points.push_back({scale * r * std::cos(a), scale * r * std::sin(a)});
+    }
+    return points;
+}
+
+TEST(ConvexHull, FilteredHullIsTheHullOfEveryPoint) {
+    for (std::uint64_t seed = 0; seed < 700; ++seed) {
+        xcRandomUniform random(seed + 5000);
+        const int count = 30 + static_cast<int>(std::floor(random.next(0.0, 3000.0)));
+        const int family = static_cast<int>(seed % 7);
+        const Points points = filterShape(random, family, count);
+        Points reference;
+        xn_hullDetail::convexHullOfEveryPoint(points, reference);
+        EXPECT_EQ(hullOf(points), reference) << "seed " << seed << " family " << family;
+    }
+}
+
+TEST(ConvexHull, EveryPointButTheCornersInsideTheOctagonIsSetAside) {
+    // 100 points strictly inside the square [0, 10]^2 and its four corners: the hull is the
+    // square, from the lower left corner counter-clockwise.
+    Points points;
+    for (int i = 0; i < 100; ++i)
+        points.push_back({1.0 + (i % 10) * 0.8, 1.0 + (i / 10) * 0.8});
+    points.push_back({10, 10});
+    points.push_back({0, 10});
+    points.push_back({10, 0});
+    points.push_back({0, 0});
+    EXPECT_EQ(hullOf(points), (Points{{0, 0}, {10, 0}, {10, 10}, {0, 10}}));
+}
+
+TEST(ConvexHull, NonFinitePointAmongManyThrowsLikeTheHullOfEveryPoint) {
+    Points points;
+    for (int i = 0; i < 100; ++i)
+        points.push_back({std::cos(i * 0.1), std::sin(i * 0.1)});
+    points[70] = {std::nan(""), 0.0};
+    Points hull{{5, 5}};
+    EXPECT_THROW(xfConvexHull(points, hull), xcMathError::NotFinite);
+    EXPECT_EQ(hull, (Points{{5, 5}}));
+    EXPECT_THROW(xn_hullDetail::convexHullOfEveryPoint(points, hull), xcMathError::NotFinite);
+}
 
 }  // namespace
