@@ -191,6 +191,11 @@ class FOUNDATION_API xcArchive {
     /// Loading: throws CountTooLarge unless `count` elements of at least `minElementBytes` bytes
     /// each fit in the bytes left. Storing: does nothing.
     void checkCount(std::uint64_t count, std::size_t minElementBytes) const;
+    /// Loading from a medium that holds its bytes in memory: the next `n` bytes in place, which
+    /// count as read (Truncated when fewer are left); they stay valid while the archive's source
+    /// does. Null, with nothing read, where the medium cannot lend its bytes (files) and when
+    /// storing. Lets a large block be copied once, straight to where it goes.
+    virtual const unsigned char* lendBytes(std::size_t n);
 
   protected:
     /// Storing archives write the header at once; loading archives read and check it with
@@ -227,6 +232,7 @@ class FOUNDATION_API xcMemoryArchive : public xcArchive {
     /// header, which is only useful appended to the bytes taken.
     std::vector<unsigned char> takeBytes();
     std::uint64_t bytesLeft() const override;
+    const unsigned char* lendBytes(std::size_t n) override;
 
   protected:
     void writeRaw(const void* data, std::size_t n) override;
@@ -303,7 +309,8 @@ struct xcArchiveWireSize<std::string> {
 
 namespace xn_archive_detail {
 /// The elements of a vector record of points, transferred as one block on little-endian hosts.
-FOUNDATION_API void transferPoints(xcArchive& ar, std::vector<xcVector<2>>& v);
+/// Loading replaces `v` with the `count` points read; storing writes `v` (`count` unused).
+FOUNDATION_API void transferPoints(xcArchive& ar, std::vector<xcVector<2>>& v, std::size_t count);
 /// The format byte and the count of a vector record. Loading: checks the format (UnknownVersion
 /// with an empty source and line 0 unless 0) and that `count` elements of `minElementBytes`
 /// fit in the bytes left (CountTooLarge), and returns the count. Storing: throws
@@ -351,11 +358,7 @@ void xfSerializeVector(xcArchive& ar, std::vector<T>& v) {
     const std::size_t count =
         xn_archive_detail::transferVectorHeader(ar, v.size(), xcArchiveWireSize<T>::value);
     if constexpr (std::is_same<T, xcVector<2>>::value) {
-        if (ar.isLoading()) {
-            v.clear();
-            v.resize(count);
-        }
-        xn_archive_detail::transferPoints(ar, v);
+        xn_archive_detail::transferPoints(ar, v, count);
     } else if (ar.isStoring()) {
         for (auto& e : v)
             ar || e;

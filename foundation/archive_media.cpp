@@ -59,6 +59,16 @@ void xcMemoryArchive::writeRaw(const void* data, std::size_t n) {
     out_.insert(out_.end(), p, p + n);
 }
 
+const unsigned char* xcMemoryArchive::lendBytes(std::size_t n) {
+    if (!isLoading())
+        return nullptr;
+    if (n > size_ - pos_)
+        throw Truncated(L"archive data ends early" + shortfall(n, size_ - pos_));
+    const unsigned char* lent = in_ + pos_;
+    pos_ += n;
+    return lent;
+}
+
 void xcMemoryArchive::readRaw(void* data, std::size_t n) {
     if (n > size_ - pos_)
         throw Truncated(L"archive data ends early" + shortfall(n, size_ - pos_));

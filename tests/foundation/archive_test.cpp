@@ -95,6 +95,30 @@ TEST(ArchiveHeader, LargeBlockFollowedBySmallFieldsKeepsEveryByte) {
     EXPECT_EQ(in.bytesLeft(), 0u);
 }
 
+TEST(ArchiveHeader, MemoryArchiveLendsItsBytesInPlaceAndCountsThemRead) {
+    xcMemoryArchive out;
+    for (unsigned char c : {1, 2, 3, 4, 5})
+        out || c;
+    const Bytes bytes = out.takeBytes();
+    xcMemoryArchive in(bytes.data(), bytes.size());
+    const unsigned char* lent = in.lendBytes(3);
+    ASSERT_NE(lent, nullptr);
+    EXPECT_EQ(lent, bytes.data() + kHeaderSize);  // in place, not a copy
+    EXPECT_EQ(in.bytesLeft(), 2u);
+    unsigned char next = 0;
+    in || next;
+    EXPECT_EQ(next, 4);
+    const auto e = support::caught<xcArchive::Truncated>([&] { (void)in.lendBytes(2); });
+    ASSERT_TRUE(e);
+    EXPECT_EQ(in.bytesLeft(), 1u);  // nothing read by the refused loan
+}
+
+TEST(ArchiveHeader, StoringArchiveLendsNothing) {
+    xcMemoryArchive out;
+    EXPECT_EQ(out.lendBytes(0), nullptr);
+    EXPECT_EQ(out.bytes().size(), kHeaderSize);
+}
+
 TEST(ArchiveHeader, Directions) {
     xcMemoryArchive out;
     EXPECT_TRUE(out.isStoring());
@@ -703,6 +727,25 @@ TEST(FileArchive, TransferAfterCloseThrows) {
     EXPECT_NO_THROW(out.close());
     double d = 1;
     EXPECT_THROW(out || d, xcArchive::FileError);
+    std::remove(path.c_str());
+}
+
+// A file cannot lend its bytes: nothing is read, and the points arrive through the copy.
+TEST(FileArchive, LendsNothingAndStillLoadsPointBlocks) {
+    const std::string path = tempPath("lend.xca");
+    std::vector<xcVector<2>> points{{1.5, -2}, {3, 4.25}};
+    {
+        xcFileArchive out(path, xcFileArchive::store);
+        xfSerializeVector(out, points);
+        out.close();
+    }
+    xcFileArchive in(path, xcFileArchive::load);
+    const std::uint64_t left = in.bytesLeft();
+    EXPECT_EQ(in.lendBytes(4), nullptr);
+    EXPECT_EQ(in.bytesLeft(), left);
+    std::vector<xcVector<2>> back;
+    xfSerializeVector(in, back);
+    EXPECT_EQ(back, points);
     std::remove(path.c_str());
 }
 
