@@ -280,6 +280,17 @@ void edgeletContourOperations(xcContourT<xcEdgelet>& contour, const QueryArgs& a
               "mapT is refused");
 }
 
+/// The edgelet region and region set refuse regularizeT.
+template <class Shape>
+void checkRegularizeTRefused(Shape& shape) {
+    if (nextTurn())
+        check(!attempt([&] {
+            Shape out;
+            shape.regularizeT(out);
+        }),
+              "regularizeT is refused");
+}
+
 void edgeletRegionOperations(xcRegionT<xcEdgelet>& region, const QueryArgs& args) {
     if (nextTurn() && allNumbers(region.points())) {
         const xcRegionT<xcEdgelet> copy(region);
@@ -290,12 +301,7 @@ void edgeletRegionOperations(xcRegionT<xcEdgelet>& region, const QueryArgs& args
         region.draw(tablet, xcColor(), xcUITablet::Layers());
         check(tablet.segments().size() == region.data().size(), "one stroke per edgelet");
     }
-    if (nextTurn())
-        check(!attempt([&] {
-            xcRegionT<xcEdgelet> out;
-            region.regularizeT(out);
-        }),
-              "regularizeT is refused");
+    checkRegularizeTRefused(region);
     if (nextTurn())
         check(!attempt([&] { region.isClosed(false); }), "an edgelet region cannot be opened");
     edgeletContourOperations(region, args);
@@ -306,12 +312,7 @@ void edgeletSetOperations(xcRegionSetT<xcEdgelet>& set) {
         const xcRegionSetT<xcEdgelet> copy(set);
         check(copy.regionsT().size() == set.regionsT().size(), "a copy keeps the edgelet regions");
     }
-    if (nextTurn())
-        check(!attempt([&] {
-            xcRegionSetT<xcEdgelet> out;
-            set.regularizeT(out);
-        }),
-              "regularizeT is refused");
+    checkRegularizeTRefused(set);
 }
 
 }  // namespace

@@ -229,22 +229,23 @@ Points nearLinePoints(xcRandomUniform& random, int count) {
     return points;
 }
 
+// `count` points of the generator the seed picks: the three above in turn.
+Points lawPoints(std::uint64_t seed, xcRandomUniform& random, int count) {
+    switch (seed % 3) {
+        case 0:
+            return integerGridPoints(random, count);
+        case 1:
+            return unitSquarePoints(random, count);
+        default:
+            return nearLinePoints(random, count);
+    }
+}
+
 TEST(ConvexHull, RandomSetsSatisfyHullLaws) {
     for (std::uint64_t seed = 0; seed < 1000; ++seed) {
         xcRandomUniform random(seed);
         const int count = static_cast<int>(std::floor(random.next(0.0, 41.0)));
-        Points points;
-        switch (seed % 3) {
-            case 0:
-                points = integerGridPoints(random, count);
-                break;
-            case 1:
-                points = unitSquarePoints(random, count);
-                break;
-            default:
-                points = nearLinePoints(random, count);
-                break;
-        }
+        const Points points = lawPoints(seed, random, count);
         SCOPED_TRACE(::testing::Message() << "seed " << seed << ", " << count << " points");
         expectIsHull(points, hullOf(points));
         if (::testing::Test::HasFailure())
@@ -258,18 +259,7 @@ TEST(ConvexHull, LargeRandomSetsSatisfyHullLawsAndMatchTheHullOfEveryPoint) {
     for (std::uint64_t seed = 0; seed < 300; ++seed) {
         xcRandomUniform random(seed);
         const int count = 60 + static_cast<int>(std::floor(random.next(0.0, 1500.0)));
-        Points points;
-        switch (seed % 3) {
-            case 0:
-                points = integerGridPoints(random, count);
-                break;
-            case 1:
-                points = unitSquarePoints(random, count);
-                break;
-            default:
-                points = nearLinePoints(random, count);
-                break;
-        }
+        const Points points = lawPoints(seed, random, count);
         SCOPED_TRACE(::testing::Message() << "seed " << seed << ", " << count << " points");
         const Points hull = hullOf(points);
         expectIsHull(points, hull);
