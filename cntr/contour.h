@@ -265,6 +265,12 @@ protected:
     /// With `plain` the edge-by-edge loop is used whatever the index (the reference the indexed
     /// path is tested against).
     std::size_t hitCount(const xcLineSeg& seg, bool includeEndTouches, bool plain = false) const;
+    /// The first point of intersections(seg, edges, false) and its edge, without finding and
+    /// ordering the others: false when there is none. With `plain` every edge is tested (the
+    /// reference); otherwise the edge index is searched nearest box first and boxes that cannot
+    /// hold a point before the best one found are passed over. Throws EmptyContour.
+    bool firstHitAlong(const xcLineSeg& seg, xcVector<2>& point, int& edge,
+                       bool plain = false) const;
     /// The edge index, built on first demand (see intersections(seg, includeEndTouches)); null
     /// for contours that do not get one.
     const xn_contourDetail::EdgeIndex* edgeIndex() const;

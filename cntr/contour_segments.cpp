@@ -2,6 +2,7 @@
 // self-intersection and the median edge length.
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include <cntr/contour.h>
@@ -248,37 +249,164 @@ const EdgeIndex* xcContour::edgeIndex() const {
     return edgeIndex_.get();
 }
 
-void xcContour::collectHits(const xcLineSeg& seg, bool includeEndTouches, bool plain,
-                            std::vector<SegmentHit>& hits) const {
-    const xcLine queryLine = seg.line();
-    const xcRect queryRect = spanRect(seg.p1(), seg.p2());
-    if (!rectsOverlap(rectOf(xcXform<2>::I), queryRect)) return;
-    const EdgeIndex* index = plain ? nullptr : edgeIndex();
-    if (index == nullptr || !EdgeIndex::accepts(seg.p1()) || !EdgeIndex::accepts(seg.p2())) {
-        computeLineSegs();
-        xcVector<2> p;
-        for (std::size_t k = 0; k < lineSegs_.size(); ++k)
-            if (validLine_[k] && rectsOverlap(rects_[k], queryRect) &&
-                edgeHit(lineSegs_[k], lines_[k], seg, queryLine, includeEndTouches, p))
-                hits.push_back({p, static_cast<int>(k)});
-        return;
-    }
-    // The edges are formed from the vertices as computeLineSegs() forms them, so the tests see
-    // the same doubles without the edge cache being built.
-    const std::size_t n = points_.size();
-    const bool closed = isClosed();
-    const SegmentReach reach(seg, queryRect, std::max(index->scale(), maxAbs(seg)));
-    index->forEachCandidate(reach, [&](std::size_t k) {
-        const xcVector<2>& start = points_[edgeStartVertex(k, n, closed)];
-        const xcVector<2>& end = points_[edgeEndVertex(k, closed)];
+namespace {
+
+// The segment query's two ways to test the edges: `plainEdges` calls hit(p, k) for every
+// edge k in ascending order that gives a point p; `indexedEdges` does the same for the edges
+// below the index's boxes that `reach` lets through, in the order the walk `visit(test)` takes
+// them (test(k) tests edge k). The edges are formed from the vertices as computeLineSegs()
+// forms them, so both see the same doubles without the edge cache being built.
+struct SegmentTest {
+    const xcLineSeg& seg;
+    xcLine queryLine;
+    xcRect queryRect;
+    bool includeEndTouches;
+};
+
+template <class Hit>
+void plainEdges(const std::vector<xcLineSeg>& segs, const std::vector<xcLine>& lines,
+                const std::vector<bool>& valid, const std::vector<xcRect>& rects,
+                const SegmentTest& t, Hit hit) {
+    xcVector<2> p;
+    for (std::size_t k = 0; k < segs.size(); ++k)
+        if (valid[k] && rectsOverlap(rects[k], t.queryRect) &&
+            edgeHit(segs[k], lines[k], t.seg, t.queryLine, t.includeEndTouches, p))
+            hit(p, static_cast<int>(k));
+}
+
+template <class Visit, class Hit>
+void indexedEdges(const std::vector<xcVector<2>>& points, bool closed, const SegmentReach& reach,
+                  const SegmentTest& t, Visit visit, Hit hit) {
+    const std::size_t n = points.size();
+    visit([&](std::size_t k) {
+        const xcVector<2>& start = points[edgeStartVertex(k, n, closed)];
+        const xcVector<2>& end = points[edgeEndVertex(k, closed)];
         if (!reach.mayReach(start, end) || xfRealEq(start, end, kExactTolerance) ||
-            !rectsOverlap(spanRect(start, end), queryRect))
+            !rectsOverlap(spanRect(start, end), t.queryRect))
             return;
         const xcLineSeg edge(start, end);
         xcVector<2> p;
-        if (edgeHit(edge, edge.line(), seg, queryLine, includeEndTouches, p))
-            hits.push_back({p, static_cast<int>(k)});
+        if (edgeHit(edge, edge.line(), t.seg, t.queryLine, t.includeEndTouches, p))
+            hit(p, static_cast<int>(k));
     });
+}
+
+// The nearest-first search of firstHitAlong over the index. A hit lies within the coincidence
+// tolerance of its edge, so within kReachTolerance of its box; its key (P - p1) . d is at least
+// the box's smallest key so widened, less the rounding of the keys (`slack`, about 1e-13 of the
+// squared coordinate scale). A box whose bound exceeds the best key found is passed over: none
+// of its hits could come first. Boxes are taken in the order of their bounds and ties between
+// keys go to the lower edge, as the linear scan over ascending edges has them.
+class NearestHitSearch {
+public:
+    NearestHitSearch(const EdgeIndex& index, const xcLineSeg& seg, double scale)
+        : index_(index), p1_(seg.p1()), d_(seg.delta()), slack_(kCrossRounding * scale * scale) {}
+
+    double key(const xcVector<2>& p) const { return (p - p1_).dot(d_); }
+
+    // Visits the nodes below `node` that `reach` passes, children by ascending bound, calling
+    // test(k) for the edges of the leaves; `best` is the best key so far (infinity for none).
+    template <class Reach, class Test>
+    void walk(const EdgeNode& node, const Reach& reach, Test& test, const double& best) const {
+        if (node.level == 0) {
+            for (std::size_t k = index_.firstEdge(node); k < index_.lastEdge(node); ++k) test(k);
+            return;
+        }
+        std::pair<double, std::size_t> order[EdgeIndex::kFanOut];
+        std::size_t count = 0;
+        for (std::size_t c = index_.firstChild(node); c < index_.lastChild(node); ++c) {
+            const EdgeBox& b = index_.box(EdgeNode{node.level - 1, c});
+            if (!reach(b)) continue;
+            // Insertion into the ascending order (at most kFanOut children).
+            std::size_t at = count++;
+            const std::pair<double, std::size_t> entry(bound(b), c);
+            for (; at > 0 && entry < order[at - 1]; --at) order[at] = order[at - 1];
+            order[at] = entry;
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            if (order[i].first > best) return;
+            walk(EdgeNode{node.level - 1, order[i].second}, reach, test, best);
+        }
+    }
+
+private:
+    // The smallest key over the box widened by the reach, less the slack.
+    double bound(const EdgeBox& b) const {
+        const double x = std::min(d_.x() * (b.minX - kReachTolerance - p1_.x()),
+                                  d_.x() * (b.maxX + kReachTolerance - p1_.x()));
+        const double y = std::min(d_.y() * (b.minY - kReachTolerance - p1_.y()),
+                                  d_.y() * (b.maxY + kReachTolerance - p1_.y()));
+        return x + y - slack_;
+    }
+
+    const EdgeIndex& index_;
+    xcVector<2> p1_;
+    xcVector<2> d_;
+    double slack_;
+};
+
+}  // namespace
+
+void xcContour::collectHits(const xcLineSeg& seg, bool includeEndTouches, bool plain,
+                            std::vector<SegmentHit>& hits) const {
+    const SegmentTest t{seg, seg.line(), spanRect(seg.p1(), seg.p2()), includeEndTouches};
+    if (!rectsOverlap(rectOf(xcXform<2>::I), t.queryRect)) return;
+    const auto keep = [&hits](const xcVector<2>& p, int k) { hits.push_back({p, k}); };
+    const EdgeIndex* index = plain ? nullptr : edgeIndex();
+    if (index == nullptr || !EdgeIndex::accepts(seg.p1()) || !EdgeIndex::accepts(seg.p2())) {
+        computeLineSegs();
+        plainEdges(lineSegs_, lines_, validLine_, rects_, t, keep);
+        return;
+    }
+    const SegmentReach reach(seg, t.queryRect, std::max(index->scale(), maxAbs(seg)));
+    indexedEdges(points_, isClosed(), reach, t,
+                 [&](auto test) { index->forEachCandidate(reach, test); }, keep);
+}
+
+// The front of orderAlong's exchange sort is what a linear scan leaves that replaces its best
+// hit by each later hit of strictly smaller key: the first hit of the smallest key. With the
+// index every coordinate is finite and within its limit, so no key is NaN and that is the hit
+// of smallest (key, edge), whatever order the hits are found in.
+bool xcContour::firstHitAlong(const xcLineSeg& seg, xcVector<2>& point, int& edge,
+                              bool plain) const {
+    checkEmptyContour();
+    const SegmentTest t{seg, seg.line(), spanRect(seg.p1(), seg.p2()), false};
+    if (!rectsOverlap(rectOf(xcXform<2>::I), t.queryRect)) return false;
+    const xcVector<2> d = seg.p2() - seg.p1();
+    bool found = false;
+    double best = 0.0;
+    const EdgeIndex* index = plain ? nullptr : edgeIndex();
+    if (index == nullptr || !EdgeIndex::accepts(seg.p1()) || !EdgeIndex::accepts(seg.p2())) {
+        computeLineSegs();
+        plainEdges(lineSegs_, lines_, validLine_, rects_, t, [&](const xcVector<2>& p, int k) {
+            const double key = (p - seg.p1()).dot(d);
+            if (!found || best > key) {
+                found = true;
+                best = key;
+                point = p;
+                edge = k;
+            }
+        });
+        return found;
+    }
+    const double scale = std::max(index->scale(), maxAbs(seg));
+    const SegmentReach reach(seg, t.queryRect, scale);
+    const NearestHitSearch search(*index, seg, scale);
+    double bound = std::numeric_limits<double>::infinity();
+    const auto visit = [&](auto test) {
+        if (reach(index->box(index->root()))) search.walk(index->root(), reach, test, bound);
+    };
+    indexedEdges(points_, isClosed(), reach, t, visit, [&](const xcVector<2>& p, int k) {
+        const double key = search.key(p);
+        if (!found || key < best || (key == best && k < edge)) {
+            found = true;
+            best = key;
+            bound = key;
+            point = p;
+            edge = k;
+        }
+    });
+    return found;
 }
 
 std::vector<xcVector<2>> xcContour::hitsAlong(const xcLineSeg& seg, std::vector<int>& edgeIndices,

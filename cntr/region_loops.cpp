@@ -7,6 +7,7 @@
 // the change leaves every earlier loop with nothing to find (shown at each search), so the
 // first change found is the same, at linear instead of quadratic cost.
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <memory>
 #include <utility>
@@ -122,35 +123,170 @@ bool apart(const Box& a, const Box& b) {
            b.maxY + margin < a.minY;
 }
 
+// Whether loop i's vertices (some vertex m) are found by loop k's vertexIndex: the first such
+// m, the first index q found, or false.
+bool firstSharedVertex(const Loops& loops, std::size_t i, std::size_t k, std::size_t& m,
+                       std::size_t& q) {
+    const Points& vi = loops[i]->points();
+    for (m = 0; m < vi.size(); ++m) {
+        const std::vector<int> found =
+            loops[k]->vertexIndex(vi[m], xn_regionDetail::kRepeatedVertexTolerance);
+        if (!found.empty()) {
+            q = static_cast<std::size_t>(found.front());
+            return true;
+        }
+    }
+    return false;
+}
+
+// Loop i becomes its own vertices from m on (one turn) followed by loop k's from q on; the last
+// loop takes loop k's place. `boxes` follows the loops.
+void joinLoops(Loops& loops, std::vector<Box>& boxes, std::size_t i, std::size_t k,
+               std::size_t m, std::size_t q) {
+    const Points& vi = loops[i]->points();
+    const Points& vk = loops[k]->points();
+    Points joined;
+    appendCyclic(joined, vi, m, vi.size());
+    appendCyclic(joined, vk, q, vk.size());
+    loops[i] = loopOf(joined);
+    boxes[i].add(boxes[k]);
+    std::swap(loops[k], loops.back());
+    std::swap(boxes[k], boxes.back());
+    loops.pop_back();
+    boxes.pop_back();
+}
+
 // Joins the first pair of loops i < k, from i = `from` on, that share a vertex: the first
-// vertex m of loop i that loop k's vertexIndex finds, at the first index q found. Loop i becomes
-// its own vertices from m on (one turn) followed by loop k's from q on; the last loop takes
-// loop k's place. A loop before `from` shared no vertex with either joined loop nor with the
-// moved one, so it still shares none. `boxes` follows the loops.
-bool joinTouchingLoops(Loops& loops, std::vector<Box>& boxes, std::size_t& from) {
+// vertex m of loop i that loop k's vertexIndex finds, at the first index q found (see
+// joinLoops). A loop before `from` shared no vertex with either joined loop nor with the moved
+// one, so it still shares none. Every pair of loops is searched: the definition, kept as the
+// reference of the indexed search below and for coordinates that it does not take.
+bool joinTouchingLoopsPlain(Loops& loops, std::vector<Box>& boxes, std::size_t& from) {
     for (std::size_t i = from; i + 1 < loops.size(); ++i) {
-        const Points& vi = loops[i]->points();
         for (std::size_t k = i + 1; k < loops.size(); ++k) {
-            if (apart(boxes[i], boxes[k]))
+            std::size_t m = 0;
+            std::size_t q = 0;
+            if (apart(boxes[i], boxes[k]) || !firstSharedVertex(loops, i, k, m, q))
                 continue;
-            for (std::size_t m = 0; m < vi.size(); ++m) {
-                const std::vector<int> found =
-                    loops[k]->vertexIndex(vi[m], xn_regionDetail::kRepeatedVertexTolerance);
-                if (found.empty())
-                    continue;
-                const Points& vk = loops[k]->points();
-                Points joined;
-                appendCyclic(joined, vi, m, vi.size());
-                appendCyclic(joined, vk, static_cast<std::size_t>(found.front()), vk.size());
-                loops[i] = loopOf(joined);
-                boxes[i].add(boxes[k]);
-                std::swap(loops[k], loops.back());
-                std::swap(boxes[k], boxes.back());
-                loops.pop_back();
-                boxes.pop_back();
-                from = i;
-                return true;
+            joinLoops(loops, boxes, i, k, m, q);
+            from = i;
+            return true;
+        }
+    }
+    return false;
+}
+
+// Every vertex of the loops at the start of the join phase in cells of twice the repeated-vertex
+// tolerance, each with the loop it started in; a join moves whole loops, so the cells stay and
+// only the loops' places are followed. Two vertices that vertexIndex takes for one are less than
+// a tolerance apart in each coordinate, so they lie in the same or neighbouring cells: the cells
+// give, for loop i, a superset of the loops k that share a vertex with it, and each of those is
+// then confirmed by the search of the definition in ascending order. The first confirmed is the
+// definition's k, the join the same. Cost: 40 bytes per vertex while the phase runs.
+class LoopVertexCells {
+  public:
+    explicit LoopVertexCells(const Loops& loops) {
+        for (std::size_t r = 0; r < loops.size(); ++r) {
+            for (const xcVector<2>& p : loops[r]->points())
+                if (finite(p))
+                    cells_.push_back({cellOf(p.x()), cellOf(p.y()), p, r});
+            placeOf_.push_back(r);
+            startedAt_.push_back({r});
+        }
+        std::sort(cells_.begin(), cells_.end(), [](const Entry& a, const Entry& b) {
+            return a.cx != b.cx ? a.cx < b.cx : a.cy < b.cy;
+        });
+    }
+
+    /// The places k > i of the loops with a vertex within twice the tolerance of a vertex of
+    /// loop i, ascending.
+    std::vector<std::size_t> candidates(const Loops& loops, std::size_t i) const {
+        std::vector<std::size_t> found;
+        for (const xcVector<2>& p : loops[i]->points()) {
+            if (!finite(p))
+                continue;
+            const long cx = cellOf(p.x());
+            const long cy = cellOf(p.y());
+            for (long dx = -1; dx <= 1; ++dx) {
+                const auto first = std::lower_bound(cells_.begin(), cells_.end(),
+                                                    std::make_pair(cx + dx, cy - 1), before);
+                for (auto e = first; e != cells_.end() && e->cx == cx + dx && e->cy <= cy + 1;
+                     ++e) {
+                    const std::size_t k = placeOf_[e->loop];
+                    if (k > i && e->point.distance(p) < kReach)
+                        found.push_back(k);
+                }
             }
+        }
+        std::sort(found.begin(), found.end());
+        found.erase(std::unique(found.begin(), found.end()), found.end());
+        return found;
+    }
+
+    /// Follows joinLoops(i, k): loop k's vertices now belong to loop i, and the last loop,
+    /// `last`, moves to place k.
+    void joined(std::size_t i, std::size_t k, std::size_t last) {
+        moveTo(k, i);
+        if (last != k)
+            moveTo(last, k);
+        startedAt_.pop_back();
+    }
+
+  private:
+    static constexpr double kCell = 2.0 * xn_regionDetail::kRepeatedVertexTolerance;
+    static constexpr double kReach = 2.0 * xn_regionDetail::kRepeatedVertexTolerance;
+
+    struct Entry {
+        long cx;
+        long cy;
+        xcVector<2> point;
+        std::size_t loop;  // the loop it started in
+    };
+
+    // A vertex with an infinite or NaN coordinate is at an infinite or NaN distance from every
+    // vertex, so vertexIndex never takes it for another: it needs no cell.
+    static bool finite(const xcVector<2>& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); }
+
+    // Cell numbers are clamped to +-2^62: clamping moves no two numbers further apart, so
+    // neighbours stay neighbours, and it only crowds vertices of huge magnitude into one cell.
+    static long cellOf(double v) {
+        constexpr double kLimit = 4611686018427387904.0;  // 2^62
+        return static_cast<long>(std::max(-kLimit, std::min(kLimit, std::floor(v / kCell))));
+    }
+    static bool before(const Entry& e, const std::pair<long, long>& c) {
+        return e.cx != c.first ? e.cx < c.first : e.cy < c.second;
+    }
+
+    // Every loop that started in place `from`'s current loop now lies in place `to`.
+    void moveTo(std::size_t from, std::size_t to) {
+        for (std::size_t r : startedAt_[from])
+            placeOf_[r] = to;
+        if (to == from)
+            return;
+        std::vector<std::size_t> moving;
+        moving.swap(startedAt_[from]);
+        startedAt_[to].insert(startedAt_[to].end(), moving.begin(), moving.end());
+    }
+
+    std::vector<Entry> cells_;
+    std::vector<std::size_t> placeOf_;                 // by starting loop: its current place
+    std::vector<std::vector<std::size_t>> startedAt_;  // by place: the starting loops in it
+};
+
+// joinTouchingLoopsPlain, with the loops k searched only among the candidates of `cells`.
+bool joinTouchingLoopsIndexed(Loops& loops, std::vector<Box>& boxes, LoopVertexCells& cells,
+                              std::size_t& from) {
+    for (std::size_t i = from; i + 1 < loops.size(); ++i) {
+        for (std::size_t k : cells.candidates(loops, i)) {
+            std::size_t m = 0;
+            std::size_t q = 0;
+            if (apart(boxes[i], boxes[k]) || !firstSharedVertex(loops, i, k, m, q))
+                continue;
+            const std::size_t last = loops.size() - 1;
+            joinLoops(loops, boxes, i, k, m, q);
+            cells.joined(i, k, last);
+            from = i;
+            return true;
         }
     }
     return false;
@@ -160,7 +296,7 @@ bool joinTouchingLoops(Loops& loops, std::vector<Box>& boxes, std::size_t& from)
 
 // Every change adds a loop (cut, each loop keeping a vertex at least) or removes one (drop,
 // join), so no phase can make more changes than the limits given to repeatUntilStable.
-void xn_regionDetail::assignOuterLoop(const Points& walk, xcRegion& result) {
+void xn_regionDetail::assignOuterLoop(const Points& walk, xcRegion& result, LoopJoin join) {
     Loops loops;
     loops.push_back(loopOf(walk));
     std::size_t from = 0;
@@ -173,7 +309,13 @@ void xn_regionDetail::assignOuterLoop(const Points& walk, xcRegion& result) {
     for (const std::unique_ptr<xcRegion>& loop : loops)
         boxes.push_back(boxOf(loop->points()));
     from = 0;
-    repeatUntilStable(loops.size(), [&] { return joinTouchingLoops(loops, boxes, from); });
+    if (join == LoopJoin::indexed) {
+        LoopVertexCells cells(loops);
+        repeatUntilStable(loops.size(),
+                          [&] { return joinTouchingLoopsIndexed(loops, boxes, cells, from); });
+    } else {
+        repeatUntilStable(loops.size(), [&] { return joinTouchingLoopsPlain(loops, boxes, from); });
+    }
 
     if (loops.size() != 1)
         xstd_assert_(kAssertSource, kLoopsNotJoinedLine);

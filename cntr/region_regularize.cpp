@@ -1,6 +1,9 @@
 // Regularisation and outer hull of a region whose outline crosses itself: the cached entry
 // points, the search for a start edge on the outside and the walk along the outer boundary.
+#include <cstdint>
+#include <cstring>
 #include <functional>
+#include <unordered_set>
 #include <utility>
 
 #include <cntr/region.h>
@@ -104,15 +107,55 @@ class WalkLimit {
     bool crossingsCounted_ = false;
 };
 
+// The states a walk has been in (see WalkLimit), by the bits of their point: the walk's next
+// state follows from its state alone, so a walk that comes to a state a second time without
+// having stood on its start goes round that cycle for ever.
+class WalkStates {
+  public:
+    // Records a state; false when it was recorded before.
+    bool insert(const xcVector<2>& point, long edge, bool forward) {
+        const State state{bitsOf(point.x()), bitsOf(point.y()), edge, forward};
+        return seen_.insert(state).second;
+    }
+
+  private:
+    struct State {
+        std::uint64_t x;
+        std::uint64_t y;
+        long edge;
+        bool forward;
+        bool operator==(const State& o) const {
+            return x == o.x && y == o.y && edge == o.edge && forward == o.forward;
+        }
+    };
+    struct Hash {
+        std::size_t operator()(const State& s) const {
+            std::uint64_t h = s.x * 0x9E3779B97F4A7C15ull;
+            h ^= (h >> 29) + s.y * 0xBF58476D1CE4E5B9ull;
+            h ^= (h >> 31) + static_cast<std::uint64_t>(s.edge) * 2 + (s.forward ? 1 : 0);
+            return static_cast<std::size_t>(h ^ (h >> 32));
+        }
+    };
+    static std::uint64_t bitsOf(double v) {
+        std::uint64_t bits;
+        std::memcpy(&bits, &v, sizeof bits);
+        return bits;
+    }
+
+    std::unordered_set<State, Hash> seen_;
+};
+
 // Walks the outline from p[s] along edge s + 1 (from p[s] to p[s+1]), edge k running from
 // p[k-1] to p[k]. Each pass goes towards the end of the current edge in the walk's direction;
 // when another edge crosses the way first, the walk stops at the nearest crossing, turns onto
 // that edge and reverses its direction. The walk ends when it stands on p[s] again, exactly.
-// `edgeHits(seg, edges)` is the outline's edge-reporting segment query without end touches,
-// so the edges through the walk's own point are never reported. Returns the points reached,
-// p[s] last.
-template <class EdgeHits>
-Points walkBoundary(const Points& p, std::size_t s, EdgeHits edgeHits, WalkLimit& limit) {
+// `firstHit(seg, point, edge)` gives the first point of the outline's edge-reporting segment
+// query without end touches (so the edges through the walk's own point are never reported) and
+// its edge, or false. Returns the points reached, p[s] last. A walk that comes back to a state
+// (see WalkStates) before it stands on p[s] never will, and throws BadParams("invalid
+// contour") there, as it would at the pass limit.
+template <class FirstHit>
+Points walkBoundary(const Points& p, std::size_t s, FirstHit firstHit, WalkLimit& limit) {
     const long n = static_cast<long>(p.size());
     const auto wrap = [n](long k) { return k < 0 ? k + n : (k >= n ? k - n : k); };
     const auto vertex = [&p](long k) { return p[static_cast<std::size_t>(k)]; };
@@ -121,17 +164,20 @@ Points walkBoundary(const Points& p, std::size_t s, EdgeHits edgeHits, WalkLimit
     long edge = static_cast<long>(s) + 1;
     bool forward = true;
     Points walk;
-    std::vector<int> edges;
+    xcVector<2> hit;
+    int hitEdge = 0;
+    WalkStates states;
     do {
         limit.countPass();
+        if (!states.insert(current, edge, forward))
+            throwInvalidContour();
         const xcVector<2> target = forward ? vertex(edge) : vertex(wrap(edge - 1));
-        const Points hits = edgeHits(xcLineSeg(current, target), edges);
-        if (hits.empty()) {
+        if (!firstHit(xcLineSeg(current, target), hit, hitEdge)) {
             current = target;
             edge = wrap(forward ? edge + 1 : edge - 1);
         } else {
-            current = hits.front();
-            edge = edges.front();
+            current = hit;
+            edge = hitEdge;
             forward = !forward;
         }
         walk.push_back(current);
@@ -167,19 +213,18 @@ void xcRegion::outerHullRegularize(xcRegion& result, bool full) const {
     const std::size_t s =
         startEdge(p, medianFeatureSize() / kProbeOffsetDivisor, crossings, outside);
 
-    const auto edgeHits = [&self](const xcLineSeg& seg, std::vector<int>& edges) {
-        return self.xcContour::intersections(seg, edges, false);
+    const auto firstHit = [this](const xcLineSeg& seg, xcVector<2>& point, int& edge) {
+        return firstHitAlong(seg, point, edge);
     };
-    const auto countCrossings = [this, &edgeHits]() {
+    const auto countCrossings = [this]() {
         std::size_t total = 0;
-        std::vector<int> edges;
         for (std::size_t k = 0; k < lineSegs().size(); ++k)
             if (validLine()[k])
-                total += edgeHits(lineSegs()[k], edges).size();
+                total += hitCount(lineSegs()[k], false);
         return total;
     };
     WalkLimit limit(p.size(), countCrossings);
-    const Points walk = walkBoundary(p, s, edgeHits, limit);
+    const Points walk = walkBoundary(p, s, firstHit, limit);
 
     if (full)
         assignOuterLoop(walk, result);

@@ -17,6 +17,12 @@ struct xcContourTestAccess {
                                                   std::vector<int>& edges, bool includeEndTouches) {
         return c.hitsAlong(seg, edges, includeEndTouches, false);
     }
+    /// The first hit without end touches: through the index (or the plain loop where the index
+    /// does not serve) or, with `plain`, from every edge.
+    static bool firstHit(const xcContour& c, const xcLineSeg& seg, xcVector<2>& point, int& edge,
+                         bool plain) {
+        return c.firstHitAlong(seg, point, edge, plain);
+    }
     static bool plainSelfIntersecting(const xcContour& c) { return c.selfIntersectingPlain(); }
     static double plainLength(const xcContour& c) { return c.lengthPlain(); }
     static xcCircle plainFurthestPairCircle(const xcContour& c) {

@@ -254,6 +254,27 @@ void expectSameHits(const xcContour& c, const xcLineSeg& seg, const std::string&
     }
 }
 
+// The first hit without end touches, searched nearest box first through the index and by the
+// plain loop, is the front of the plain query's ordered hits and its edge.
+void expectSameFirstHit(const xcContour& c, const xcLineSeg& seg, const std::string& where,
+                        long& cases) {
+    std::vector<int> plainEdges;
+    const Points plain = xcContourTestAccess::plainIntersections(c, seg, plainEdges, false);
+    for (const bool plainSearch : {false, true}) {
+        xcVector<2> point(-1.0, -1.0);
+        int edge = -1;
+        const bool found = xcContourTestAccess::firstHit(c, seg, point, edge, plainSearch);
+        ASSERT_EQ(found, !plain.empty()) << where << " segment " << describe(seg);
+        if (found) {
+            EXPECT_TRUE(samePoint(point, plain.front()))
+                << where << " segment " << describe(seg) << (plainSearch ? " plain" : " indexed");
+            EXPECT_EQ(edge, plainEdges.front())
+                << where << " segment " << describe(seg) << (plainSearch ? " plain" : " indexed");
+        }
+        ++cases;
+    }
+}
+
 void expectSameNearest(const xcContour& c, const xcVector<2>& q, const std::string& where,
                        long& cases) {
     const xcVector<2> fast = xcContourTestAccess::closestPoint(c, q);
@@ -444,7 +465,11 @@ TEST(ContourEdgeIndex, SeededShapesGiveThePlainAnswers) {
         const xcContour c(p, closed);
         EXPECT_EQ(c.isSelfIntersecting(), xcContourTestAccess::plainSelfIntersecting(c)) << where;
         ++cases;
-        for (int i = 0; i < kSegmentsPerShape; ++i) expectSameHits(c, querySegment(g, p), where, cases);
+        for (int i = 0; i < kSegmentsPerShape; ++i) {
+            const xcLineSeg seg = querySegment(g, p);
+            expectSameHits(c, seg, where, cases);
+            expectSameFirstHit(c, seg, where, cases);
+        }
         for (int i = 0; i < kPointsPerShape; ++i) {
             const xcVector<2> q = i % 2 == 0 ? randomPointNear(g, p) : specialPoint(g, p);
             expectSameNearest(c, q, where, cases);
@@ -456,8 +481,38 @@ TEST(ContourEdgeIndex, SeededShapesGiveThePlainAnswers) {
         }
         if (HasFailure()) break;
     }
-    // 600 shapes of 1 + 120 + 60 + 60 cases: 144,600 (a tenth under the sanitizers).
-    EXPECT_EQ(cases, kShapes * (1 + 2 * kSegmentsPerShape + kPointsPerShape + 2 * kInsidePointsPerShape));
+    // 600 shapes of 1 + 240 + 60 + 60 cases: 216,600 (a tenth under the sanitizers).
+    EXPECT_EQ(cases, kShapes * (1 + 4 * kSegmentsPerShape + kPointsPerShape + 2 * kInsidePointsPerShape));
+}
+
+// The boundary walk's queries: from a crossing point along an edge, to either end of that edge,
+// and from a vertex along its edges; ties (hits at the same distance through a vertex where
+// several edges meet, overlapping grid edges) are frequent on integer grids.
+TEST(ContourEdgeIndex, FirstHitFromCrossingsGivesThePlainFront) {
+    xcRandomUniform g(1122);
+    long cases = 0;
+    const int shapes = kShapes / 6;
+    for (int s = 0; s < shapes; ++s) {
+        const Family family = s % 3 == 0 ? Family::crossing : (s % 3 == 1 ? Family::grid : Family::spiky);
+        const int n = 32 + static_cast<int>(g.next(0.0, 120.0));
+        const Points p = shape(family, g, n);
+        const xcContour c(p, true);
+        const std::string where = familyName(family) + " shape " + std::to_string(s);
+        for (std::size_t k = 0; k < p.size(); k += 3) {
+            const xcVector<2>& a = p[k];
+            const xcVector<2>& b = p[(k + 1) % p.size()];
+            expectSameFirstHit(c, xcLineSeg(a, b), where, cases);
+            expectSameFirstHit(c, xcLineSeg(b, a), where, cases);
+            std::vector<int> edges;
+            const Points hits = xcContourTestAccess::plainIntersections(c, xcLineSeg(a, b), edges, false);
+            for (std::size_t h = 0; h < hits.size(); h += 2) {
+                expectSameFirstHit(c, xcLineSeg(hits[h], b), where, cases);
+                expectSameFirstHit(c, xcLineSeg(hits[h], a), where, cases);
+            }
+        }
+        if (HasFailure()) break;
+    }
+    EXPECT_GT(cases, shapes * 40L);
 }
 
 TEST(ContourEdgeIndex, SweepAgreesWithThePlainDefinitionOnSingleTouches) {
@@ -516,12 +571,15 @@ TEST(ContourEdgeIndex, NonFiniteAndHugeCoordinatesKeepThePlainAnswers) {
             const xcVector<2> a = p[static_cast<std::size_t>(g.next(0.0, 64.0))];
             const xcVector<2> b(g.next(-150.0, 150.0), g.next(-150.0, 150.0));
             expectSameHits(c, xcLineSeg(a, b), where, cases);
+            expectSameFirstHit(c, xcLineSeg(a, b), where, cases);
             expectSameNearest(c, b, where, cases);
         }
         // Queries that are themselves not finite or huge, on an indexed contour.
         const xcContour plainShape(star(g, 64, true), true);
         expectSameHits(plainShape, xcLineSeg({nan, 0.0}, {1.0, 1.0}), where, cases);
         expectSameHits(plainShape, xcLineSeg({-1e12, 3.0}, {1e12, 3.5}), where, cases);
+        expectSameFirstHit(plainShape, xcLineSeg({nan, 0.0}, {1.0, 1.0}), where, cases);
+        expectSameFirstHit(plainShape, xcLineSeg({-1e12, 3.0}, {1e12, 3.5}), where, cases);
         expectSameNearest(plainShape, {HUGE_VAL, 0.0}, where, cases);
         expectSameNearest(plainShape, {1e12, -1e12}, where, cases);
     }

@@ -112,11 +112,29 @@ TEST(FuzzTargets, EmptyInputIsAValidCase) {
 
 // 44 edgelet vertices mixing small integers with magnitudes up to 1e274, every query, then the
 // set's regularize and outer hull: it went over the fuzzer's one second on the loaded shared
-// machine in the instrumented build, where it takes about 0.25 s alone (25 ms in the default
-// build, all queries of four shapes and a set included). Not a defect: the walks are bounded
-// by their pass limit. Kept so that the case stays bounded.
+// machine in the instrumented build, where it took about 0.25 s alone. Its walks go round
+// cycles that miss their start; they ran on to their pass limit before they threw, and now
+// throw when a state comes round again (0.04 s).
 TEST(FuzzRegression, TangledEdgeletSetOuterHull) {
     runKept(&xn_fuzz::geometryOneInput, "geometry/tangled_edgelet_set_outer_hull");
+}
+
+// 85 edgelet vertices whose set outline (172 vertices) crosses itself thousands of times: its
+// walks cycle without reaching their start and ran to their limits (1,073 and 4,521 passes, a
+// segment query each that found and sorted every crossing ahead), 0.6-0.7 s in the sanitized
+// build. The walk now stops at the first repeated state and takes only the nearest crossing
+// ahead from a nearest-first search of the edge index: 0.07 s.
+TEST(FuzzRegression, CyclingWalkSetRepair) {
+    runKept(&xn_fuzz::geometryOneInput, "geometry/cycling_walk_set_repair");
+}
+
+// An outer hull whose walk of 750 points is cut into 188 loops that touch at shared vertices:
+// the join searched every pair of loops with a vertex lookup per vertex, again after each of
+// the joins, 1.2 s in the sanitized build (a hang by the one-second rule). The join now looks
+// the vertices up in one set of cells and confirms only the loops found there: 0.36 s, the
+// whole input with every query.
+TEST(FuzzRegression, TouchingLoopsJoin) {
+    runKept(&xn_fuzz::geometryOneInput, "geometry/touching_loops_join");
 }
 
 #ifdef CNTR_FUZZ_JSON
