@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include <cntr/contour.h>
+#include <cntr/contour_detail.h>
 
 using namespace xn_contourDetail;
 
@@ -23,14 +24,19 @@ long roundHalfAway(double v) {
     return static_cast<long>(r);
 }
 
-xcPair<long> cellOf(const xcVector<2>& p, double tolerance) {
-    return xcPair<long>(roundHalfAway(p.x() / tolerance), roundHalfAway(p.y() / tolerance));
-}
-
 // Tolerances are matched exactly; NaN matches NaN, so repeated NaN queries share one grid.
 bool sameTolerance(double a, double b) { return a == b || (a != a && b != b); }
 
 }  // namespace
+
+xcPair<long> xn_contourDetail::vertexCellOf(const xcVector<2>& p, double tolerance) {
+    return xcPair<long>(roundHalfAway(p.x() / tolerance), roundHalfAway(p.y() / tolerance));
+}
+
+void xn_contourDetail::fillVertexGrid(VertexGrid& grid, const std::vector<xcVector<2>>& points) {
+    for (std::size_t i = 0; i < points.size(); ++i)
+        grid.cells[vertexCellOf(points[i], grid.tolerance)].push_back(static_cast<int>(i));
+}
 
 std::vector<int> xcContour::vertexIndex(const xcVector<2>& point, double tolerance) {
     checkEmptyContour();
@@ -45,25 +51,10 @@ std::vector<int> xcContour::vertexIndex(const xcVector<2>& point, double toleran
     if (!grid) {
         vertexGrids_->push_back(VertexGrid{tolerance, {}});
         grid = &vertexGrids_->back();
-        for (std::size_t i = 0; i < points_.size(); ++i)
-            grid->cells[cellOf(points_[i], tolerance)].push_back(static_cast<int>(i));
+        fillVertexGrid(*grid, points_);
     }
 
     std::vector<int> found;
-    const xcPair<long> centre = cellOf(point, tolerance);
-    // Beyond 2^53 neighbouring cells compare equal as doubles and are one map entry; visit each
-    // entry once so that no vertex is reported twice.
-    const void* visited[9];
-    int visitedCount = 0;
-    for (long dc = -1; dc <= 1; ++dc) {
-        for (long dr = -1; dr <= 1; ++dr) {
-            const auto cell = grid->cells.find(xcPair<long>(centre.x() + dc, centre.y() + dr));
-            if (cell == grid->cells.end()) continue;
-            if (std::find(visited, visited + visitedCount, &*cell) != visited + visitedCount) continue;
-            visited[visitedCount++] = &*cell;
-            for (int i : cell->second)
-                if (points_[static_cast<std::size_t>(i)].distance(point) < tolerance) found.push_back(i);
-        }
-    }
+    forEachVertexNear(*grid, points_, point, [&found](int, int i) { found.push_back(i); });
     return found;
 }

@@ -12,6 +12,7 @@
 #include <memory>
 #include <utility>
 
+#include <cntr/contour_detail.h>
 #include <cntr/region_walk.h>
 #include <foundation/exception.h>
 
@@ -25,7 +26,9 @@ std::unique_ptr<xcRegion> loopOf(const Points& points) {
 }
 
 // Appends `count` vertices of `loop` to `out`, from index `first` on, wrapping around.
-void appendCyclic(Points& out, const Points& loop, std::size_t first, std::size_t count) {
+template <class T>
+void appendCyclic(std::vector<T>& out, const std::vector<T>& loop, std::size_t first,
+                  std::size_t count) {
     for (std::size_t t = 0; t < count; ++t)
         out.push_back(loop[(first + t) % loop.size()]);
 }
@@ -63,9 +66,11 @@ bool cutAtRepeatedVertex(Loops& loops, std::size_t& from) {
 
 // Removes the first loop i, from `from` on, that another loop k contains: loop k's inside(),
 // holes considered, at the midpoint of loop i's vertices 0 and 1 (every loop has two vertices
-// once the cutting is done). The last loop takes its place. The loops before `from` lay in no
-// other loop before, and the change brings no new loop, so they still do.
-bool dropInnerLoop(Loops& loops, std::size_t& from) {
+// once the cutting is done). The last loop takes its place; dropped(i) is told. The loops
+// before `from` lay in no other loop before, and the change brings no new loop, so they still
+// do.
+template <class Dropped>
+bool dropInnerLoop(Loops& loops, std::size_t& from, Dropped dropped) {
     for (std::size_t i = from; i < loops.size(); ++i) {
         const Points& v = loops[i]->points();
         const xcVector<2> mid = (v[0] + v[1]) / 2.0;
@@ -74,6 +79,7 @@ bool dropInnerLoop(Loops& loops, std::size_t& from) {
                 continue;
             std::swap(loops[i], loops.back());
             loops.pop_back();
+            dropped(i);
             from = i;
             return true;
         }
@@ -176,148 +182,222 @@ bool joinTouchingLoopsPlain(Loops& loops, std::vector<Box>& boxes, std::size_t& 
     return false;
 }
 
-// Every vertex of the loops at the start of the join phase in cells of twice the repeated-vertex
-// tolerance, each with the loop it started in; a join moves whole loops, so the cells stay and
-// only the loops' places are followed. Two vertices that vertexIndex takes for one are less than
-// a tolerance apart in each coordinate, so they lie in the same or neighbouring cells: the cells
-// give, for loop i, a superset of the loops k that share a vertex with it, and each of those is
-// then confirmed by the search of the definition in ascending order. The first confirmed is the
-// definition's k, the join the same. Cost: 40 bytes per vertex while the phase runs.
-class LoopVertexCells {
+// The cut and join searches on loops held as lists of walk indices, with the same results as
+// the searches through each loop's own vertexIndex. A loop's vertexIndex at a point finds its
+// vertices in the cells around the point's cell, cell by cell, each cell's vertices in loop
+// order: the walk's points go into one grid of the same cells once, each point's neighbours
+// (its `partners`: the walk points that the walk's vertexIndex finds at it, with the number of
+// the cell they lie in) are listed once, and a loop's search keeps the partners that lie in the
+// loop, ordered by cell and then by their place in the loop. Every loop's points are walk
+// points, so the loop's grid holds the same cells as the walk's.
+//
+// Cost while the reduction runs: the walk's grid, and about 24 bytes per walk point and 8 per
+// neighbour pair.
+class WalkLoops {
   public:
-    explicit LoopVertexCells(const Loops& loops) {
-        for (std::size_t r = 0; r < loops.size(); ++r) {
-            for (const xcVector<2>& p : loops[r]->points())
-                if (finite(p))
-                    cells_.push_back({cellOf(p.x()), cellOf(p.y()), p, r});
-            placeOf_.push_back(r);
-            startedAt_.push_back({r});
-        }
-        std::sort(cells_.begin(), cells_.end(), [](const Entry& a, const Entry& b) {
-            return a.cx != b.cx ? a.cx < b.cx : a.cy < b.cy;
-        });
-    }
-
-    /// The places k > i of the loops with a vertex within twice the tolerance of a vertex of
-    /// loop i, ascending.
-    std::vector<std::size_t> candidates(const Loops& loops, std::size_t i) const {
-        std::vector<std::size_t> found;
-        for (const xcVector<2>& p : loops[i]->points()) {
-            if (!finite(p))
-                continue;
-            const long cx = cellOf(p.x());
-            const long cy = cellOf(p.y());
-            for (long dx = -1; dx <= 1; ++dx) {
-                const auto first = std::lower_bound(cells_.begin(), cells_.end(),
-                                                    std::make_pair(cx + dx, cy - 1), before);
-                for (auto e = first; e != cells_.end() && e->cx == cx + dx && e->cy <= cy + 1;
-                     ++e) {
-                    const std::size_t k = placeOf_[e->loop];
-                    if (k > i && e->point.distance(p) < kReach)
-                        found.push_back(k);
-                }
+    explicit WalkLoops(const Points& walk) : walk_(walk), placeOf_(walk.size(), 0), posOf_(walk.size()) {
+        xn_contourDetail::VertexGrid grid;
+        grid.tolerance = xn_regionDetail::kRepeatedVertexTolerance;
+        xn_contourDetail::fillVertexGrid(grid, walk);
+        firstPartner_.reserve(walk.size() + 1);
+        const std::size_t limit = kPartnersPerPoint * walk.size() + kPartnerSlack;
+        for (const xcVector<2>& p : walk) {
+            firstPartner_.push_back(partners_.size());
+            xn_contourDetail::forEachVertexNear(grid, walk, p, [this](int cell, int id) {
+                partners_.push_back({cell, static_cast<std::size_t>(id)});
+            });
+            if (partners_.size() > limit) {
+                crowded_ = true;
+                return;
             }
         }
-        std::sort(found.begin(), found.end());
-        found.erase(std::unique(found.begin(), found.end()), found.end());
-        return found;
+        firstPartner_.push_back(partners_.size());
+        loops_.emplace_back();
+        for (std::size_t id = 0; id < walk.size(); ++id) loops_[0].push_back(id);
+        renumber(0);
     }
 
-    /// Follows joinLoops(i, k): loop k's vertices now belong to loop i, and the last loop,
-    /// `last`, moves to place k.
-    void joined(std::size_t i, std::size_t k, std::size_t last) {
-        moveTo(k, i);
-        if (last != k)
-            moveTo(last, k);
-        startedAt_.pop_back();
+    /// Whether the walk repeats its points so often that the neighbour lists would grow
+    /// quadratically (more than kPartnersPerPoint per point on average): nothing else may be
+    /// called then, and the plain searches run instead.
+    bool crowded() const { return crowded_; }
+
+    std::size_t size() const { return loops_.size(); }
+
+    /// cutAtRepeatedVertex on these loops.
+    bool cutAtRepeatedVertex(std::size_t& from) {
+        for (std::size_t r = from; r < loops_.size(); ++r) {
+            const std::size_t c = loops_[r].size();
+            if (c < 2) throw xcContourDefs::EmptyContour(std::wstring());
+            for (std::size_t k = 0; k < c; ++k) {
+                std::size_t j = 0;
+                if (!firstFoundIn(r, loops_[r][k], k, j)) continue;
+                const std::size_t cut = j < k ? j + c : j;
+                std::vector<std::size_t> first;
+                std::vector<std::size_t> second;
+                appendCyclic(first, loops_[r], k, cut - k);
+                appendCyclic(second, loops_[r], cut, k + c - cut);
+                loops_[r] = std::move(first);
+                loops_.push_back(std::move(second));
+                renumber(r);
+                renumber(loops_.size() - 1);
+                from = r;
+                return true;
+            }
+        }
+        return false;
     }
 
-  private:
-    static constexpr double kCell = 2.0 * xn_regionDetail::kRepeatedVertexTolerance;
-    static constexpr double kReach = 2.0 * xn_regionDetail::kRepeatedVertexTolerance;
-
-    struct Entry {
-        long cx;
-        long cy;
-        xcVector<2> point;
-        std::size_t loop;  // the loop it started in
-    };
-
-    // A vertex with an infinite or NaN coordinate is at an infinite or NaN distance from every
-    // vertex, so vertexIndex never takes it for another: it needs no cell.
-    static bool finite(const xcVector<2>& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); }
-
-    // Cell numbers are clamped to +-2^62: clamping moves no two numbers further apart, so
-    // neighbours stay neighbours, and it only crowds vertices of huge magnitude into one cell.
-    static long cellOf(double v) {
-        constexpr double kLimit = 4611686018427387904.0;  // 2^62
-        return static_cast<long>(std::max(-kLimit, std::min(kLimit, std::floor(v / kCell))));
-    }
-    static bool before(const Entry& e, const std::pair<long, long>& c) {
-        return e.cx != c.first ? e.cx < c.first : e.cy < c.second;
+    /// The loops as regions.
+    Loops regions() const {
+        Loops loops;
+        for (std::size_t r = 0; r < loops_.size(); ++r) loops.push_back(loopOf(pointsOf(r)));
+        return loops;
     }
 
-    // Every loop that started in place `from`'s current loop now lies in place `to`.
-    void moveTo(std::size_t from, std::size_t to) {
-        for (std::size_t r : startedAt_[from])
-            placeOf_[r] = to;
-        if (to == from)
-            return;
-        std::vector<std::size_t> moving;
-        moving.swap(startedAt_[from]);
-        startedAt_[to].insert(startedAt_[to].end(), moving.begin(), moving.end());
+    /// Follows dropInnerLoop: the last loop takes the place of loop i.
+    void dropped(std::size_t i) {
+        for (std::size_t id : loops_[i]) placeOf_[id] = kNoLoop;
+        std::swap(loops_[i], loops_.back());
+        loops_.pop_back();
+        if (i < loops_.size()) renumber(i);
     }
 
-    std::vector<Entry> cells_;
-    std::vector<std::size_t> placeOf_;                 // by starting loop: its current place
-    std::vector<std::vector<std::size_t>> startedAt_;  // by place: the starting loops in it
-};
-
-// joinTouchingLoopsPlain, with the loops k searched only among the candidates of `cells`.
-bool joinTouchingLoopsIndexed(Loops& loops, std::vector<Box>& boxes, LoopVertexCells& cells,
-                              std::size_t& from) {
-    for (std::size_t i = from; i + 1 < loops.size(); ++i) {
-        for (std::size_t k : cells.candidates(loops, i)) {
-            std::size_t m = 0;
-            std::size_t q = 0;
-            if (apart(boxes[i], boxes[k]) || !firstSharedVertex(loops, i, k, m, q))
-                continue;
-            const std::size_t last = loops.size() - 1;
-            joinLoops(loops, boxes, i, k, m, q);
-            cells.joined(i, k, last);
+    /// joinTouchingLoopsPlain on these loops: for loop i, the first vertex m in loop order with a
+    /// partner in each later loop k gives that loop's join, at the first partner q in k's search
+    /// order; the first k, in list order, whose box is not apart from loop i's is joined.
+    bool joinTouchingLoops(std::vector<Box>& boxes, std::size_t& from) {
+        for (std::size_t i = from; i + 1 < loops_.size(); ++i) {
+            std::size_t best = kNoLoop;
+            std::size_t bestM = 0;
+            std::size_t bestQ = 0;
+            const std::vector<std::size_t>& vi = loops_[i];
+            for (std::size_t m = 0; m < vi.size(); ++m) {
+                for (std::size_t t = firstPartner_[vi[m]]; t < firstPartner_[vi[m] + 1]; ++t) {
+                    const std::size_t k = placeOf_[partners_[t].id];
+                    if (k == kNoLoop || k <= i || k >= best || apart(boxes[i], boxes[k])) continue;
+                    std::size_t q = 0;
+                    firstFoundIn(k, vi[m], kNoLoop, q);
+                    best = k;
+                    bestM = m;
+                    bestQ = q;
+                }
+            }
+            if (best == kNoLoop) continue;
+            join(i, best, bestM, bestQ);
+            boxes[i].add(boxes[best]);
+            std::swap(boxes[best], boxes.back());
+            boxes.pop_back();
             from = i;
             return true;
         }
+        return false;
     }
-    return false;
-}
+
+    Points pointsOf(std::size_t r) const {
+        Points points;
+        points.reserve(loops_[r].size());
+        for (std::size_t id : loops_[r]) points.push_back(walk_[id]);
+        return points;
+    }
+
+  private:
+    static constexpr std::size_t kNoLoop = static_cast<std::size_t>(-1);
+    static constexpr std::size_t kPartnersPerPoint = 16;
+    static constexpr std::size_t kPartnerSlack = 1024;
+
+    struct Partner {
+        int cell;
+        std::size_t id;
+    };
+
+    // The first vertex that loop r's vertexIndex finds at walk point `id`, other than the one at
+    // place `skip`: its place in loop r, in `found`.
+    bool firstFoundIn(std::size_t r, std::size_t id, std::size_t skip, std::size_t& found) const {
+        bool any = false;
+        int bestCell = 0;
+        for (std::size_t t = firstPartner_[id]; t < firstPartner_[id + 1]; ++t) {
+            const Partner& p = partners_[t];
+            if (placeOf_[p.id] != r || posOf_[p.id] == skip) continue;
+            if (any && (p.cell > bestCell || (p.cell == bestCell && posOf_[p.id] >= found))) continue;
+            any = true;
+            bestCell = p.cell;
+            found = posOf_[p.id];
+        }
+        return any;
+    }
+
+    // Loop i becomes its own vertices from m on followed by loop k's from q on; the last loop
+    // takes loop k's place (joinLoops).
+    void join(std::size_t i, std::size_t k, std::size_t m, std::size_t q) {
+        std::vector<std::size_t> joined;
+        joined.reserve(loops_[i].size() + loops_[k].size());
+        appendCyclic(joined, loops_[i], m, loops_[i].size());
+        appendCyclic(joined, loops_[k], q, loops_[k].size());
+        loops_[i] = std::move(joined);
+        renumber(i);
+        std::swap(loops_[k], loops_.back());
+        loops_.pop_back();
+        if (k < loops_.size()) renumber(k);
+    }
+
+    void renumber(std::size_t r) {
+        for (std::size_t pos = 0; pos < loops_[r].size(); ++pos) {
+            placeOf_[loops_[r][pos]] = r;
+            posOf_[loops_[r][pos]] = pos;
+        }
+    }
+
+    const Points& walk_;
+    bool crowded_ = false;
+    std::vector<std::size_t> firstPartner_;  // by walk point: its partners' start in partners_
+    std::vector<Partner> partners_;
+    std::vector<std::vector<std::size_t>> loops_;  // walk indices, in loop order
+    std::vector<std::size_t> placeOf_;             // by walk point: its loop, or kNoLoop
+    std::vector<std::size_t> posOf_;               // by walk point: its place in its loop
+};
 
 }  // namespace
 
 // Every change adds a loop (cut, each loop keeping a vertex at least) or removes one (drop,
 // join), so no phase can make more changes than the limits given to repeatUntilStable.
-void xn_regionDetail::assignOuterLoop(const Points& walk, xcRegion& result, LoopJoin join) {
-    Loops loops;
-    loops.push_back(loopOf(walk));
+void xn_regionDetail::assignOuterLoop(const Points& walk, xcRegion& result, LoopSearch search) {
+    std::unique_ptr<WalkLoops> indexed;
+    if (search == LoopSearch::indexed) {
+        indexed.reset(new WalkLoops(walk));
+        if (indexed->crowded()) indexed.reset();
+    }
+    if (!indexed) {
+        Loops loops;
+        loops.push_back(loopOf(walk));
+        std::size_t from = 0;
+        repeatUntilStable(walk.size(), [&] { return cutAtRepeatedVertex(loops, from); });
+        from = 0;
+        repeatUntilStable(loops.size(), [&] { return dropInnerLoop(loops, from, [](std::size_t) {}); });
+        std::vector<Box> boxes;
+        for (const std::unique_ptr<xcRegion>& loop : loops)
+            boxes.push_back(boxOf(loop->points()));
+        from = 0;
+        repeatUntilStable(loops.size(), [&] { return joinTouchingLoopsPlain(loops, boxes, from); });
+        if (loops.size() != 1)
+            xstd_assert_(kAssertSource, kLoopsNotJoinedLine);
+        result = xcRegion(loops.front()->points(), xcContourDefs::keepOutline);
+        return;
+    }
+    WalkLoops& w = *indexed;
     std::size_t from = 0;
-    repeatUntilStable(walk.size(), [&] { return cutAtRepeatedVertex(loops, from); });
-
+    repeatUntilStable(walk.size(), [&] { return w.cutAtRepeatedVertex(from); });
+    Loops loops = w.regions();
     from = 0;
-    repeatUntilStable(loops.size(), [&] { return dropInnerLoop(loops, from); });
-
+    repeatUntilStable(loops.size(), [&] {
+        return dropInnerLoop(loops, from, [&w](std::size_t i) { w.dropped(i); });
+    });
     std::vector<Box> boxes;
     for (const std::unique_ptr<xcRegion>& loop : loops)
         boxes.push_back(boxOf(loop->points()));
     from = 0;
-    if (join == LoopJoin::indexed) {
-        LoopVertexCells cells(loops);
-        repeatUntilStable(loops.size(),
-                          [&] { return joinTouchingLoopsIndexed(loops, boxes, cells, from); });
-    } else {
-        repeatUntilStable(loops.size(), [&] { return joinTouchingLoopsPlain(loops, boxes, from); });
-    }
-
-    if (loops.size() != 1)
+    repeatUntilStable(w.size(), [&] { return w.joinTouchingLoops(boxes, from); });
+    if (w.size() != 1)
         xstd_assert_(kAssertSource, kLoopsNotJoinedLine);
-    result = *loops.front();
+    result = xcRegion(w.pointsOf(0), xcContourDefs::keepOutline);
 }

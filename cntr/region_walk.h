@@ -33,18 +33,19 @@ void repeatUntilStable(std::size_t limit, Step step) {
             throwInvalidContour();
 }
 
-/// How assignOuterLoop finds the loops that share a vertex: `plain` searches every pair of
-/// loops (the definition); `indexed` first looks the vertices up in cells and searches only the
-/// loops found there, with the same result.
-enum class LoopJoin { plain, indexed };
+/// How assignOuterLoop searches for repeated and shared vertices: `plain` through each loop's
+/// own vertexIndex (the definition); `indexed` through one grid of the walk's points and lists
+/// of each point's neighbours, with the same results.
+enum class LoopSearch { plain, indexed };
 
 /// Reduces the boundary walk to one outline and assigns it to `result`: the walk is cut into
 /// loops at repeated vertices, every loop lying inside another is dropped, and loops that share
 /// a vertex are joined. When more than one loop is left, xstd_assert_(kAssertSource,
 /// kLoopsNotJoinedLine) reports it and the first loop is taken. Throws EmptyContour when a cut
-/// leaves a loop of one vertex. Exported for the tests, which hold the two joins to each other.
+/// leaves a loop of one vertex. `result` is a new region of the outline, without caches.
+/// Exported for the tests, which hold the two searches to each other.
 CNTR_API void assignOuterLoop(const std::vector<xcVector<2>>& walk, xcRegion& result,
-                              LoopJoin join = LoopJoin::indexed);
+                              LoopSearch search = LoopSearch::indexed);
 
 }  // namespace xn_regionDetail
 

@@ -20,7 +20,7 @@
 namespace {
 
 using Points = std::vector<xcVector<2>>;
-using xn_regionDetail::LoopJoin;
+using xn_regionDetail::LoopSearch;
 
 #ifdef CNTR_TESTS_SANITIZED
 constexpr int kWalks = 300;
@@ -40,13 +40,13 @@ struct Outcome {
     int asserts = 0;
 };
 
-Outcome reduce(const Points& walk, LoopJoin join) {
+Outcome reduce(const Points& walk, LoopSearch search) {
     Outcome o;
     gAsserts = 0;
     const xcAssertHandler previous = xfSetAssertHandler(&countAssert);
     try {
         xcRegion result;
-        xn_regionDetail::assignOuterLoop(walk, result, join);
+        xn_regionDetail::assignOuterLoop(walk, result, search);
         o.points = result.points();
     } catch (const xcContourDefs::BadParams& e) {
         o.threw = true;
@@ -65,8 +65,8 @@ bool sameBits(const xcVector<2>& a, const xcVector<2>& b) {
 }
 
 void expectSameOutcome(const Points& walk, const std::string& where) {
-    const Outcome plain = reduce(walk, LoopJoin::plain);
-    const Outcome indexed = reduce(walk, LoopJoin::indexed);
+    const Outcome plain = reduce(walk, LoopSearch::plain);
+    const Outcome indexed = reduce(walk, LoopSearch::indexed);
     EXPECT_EQ(indexed.threw, plain.threw) << where;
     EXPECT_EQ(indexed.what, plain.what) << where;
     EXPECT_EQ(indexed.asserts, plain.asserts) << where;
@@ -146,7 +146,7 @@ TEST(RegionLoops, TriangleRingsAreJoinedIntoOneOutline) {
         const int triangles = 3 + static_cast<int>(g.next(0.0, 60.0));
         const Points walk = triangleRing(g, triangles);
         expectSameOutcome(walk, "ring " + std::to_string(w));
-        const Outcome o = reduce(walk, LoopJoin::indexed);
+        const Outcome o = reduce(walk, LoopSearch::indexed);
         if (!o.threw && o.asserts == 0 && o.points.size() > 3) ++joined;
         if (HasFailure()) break;
     }
@@ -168,6 +168,17 @@ TEST(RegionLoops, NonFiniteAndHugeWalksJoinAsEveryPairSearchJoinsThem) {
         }
         expectSameOutcome(walk, "special walk " + std::to_string(w));
         if (HasFailure()) break;
+    }
+}
+
+// A walk that comes back to three points a hundred times each has 30,000 neighbour pairs for
+// 300 points: the neighbour lists are not built (they would grow quadratically) and the plain
+// searches give the outline.
+TEST(RegionLoops, CrowdedWalkTakesThePlainSearches) {
+    xcRandomUniform g(8);
+    for (int w = 0; w < 20; ++w) {
+        const Points walk = poolWalk(g, 3, 300, 1.0);
+        expectSameOutcome(walk, "crowded walk " + std::to_string(w));
     }
 }
 
