@@ -203,11 +203,11 @@ void xcRegion::outerHull(xcRegion& result) const {
 
 void xcRegion::outerHullRegularize(xcRegion& result, bool full) const {
     checkEmptyContour();
-    xcRegion& self = cacheFilling(*this);
     const Points& p = points();
 
-    const auto crossings = [&self](const xcVector<2>& a, const xcVector<2>& b) {
-        return self.intersections(xcLineSeg(a, b), true, false).size();
+    // The number of points the segment query gives, end touches included, without ordering them.
+    const auto crossings = [this](const xcVector<2>& a, const xcVector<2>& b) {
+        return hitCount(xcLineSeg(a, b), true);
     };
     const auto outside = [this](const xcVector<2>& q) { return insideCount(q, true) == 0; };
     const std::size_t s =
