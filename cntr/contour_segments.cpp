@@ -121,62 +121,110 @@ bool overlaps(const EdgeSpan& a, const EdgeSpan& b) {
     return a.minX <= b.maxX && b.minX <= a.maxX && a.minY <= b.maxY && b.minY <= a.maxY;
 }
 
-// A run of consecutive edges, spans[first, first + count), along which x strictly increases
-// (direction 1) or strictly decreases (-1); a vertical edge is a chain of its own (0).
+void grow(EdgeSpan& box, const EdgeSpan& s) {
+    box.minX = std::min(box.minX, s.minX);
+    box.maxX = std::max(box.maxX, s.maxX);
+    box.minY = std::min(box.minY, s.minY);
+    box.maxY = std::max(box.maxY, s.maxY);
+}
+
+// Edges per block of a chain: the walk of two chains skips pairs of blocks whose boxes do not
+// meet.
+constexpr std::size_t kChainBlock = 16;
+
+// A run of `count` consecutive edges from edge `first` along which x strictly increases
+// (direction 1) or strictly decreases (-1); a vertical edge is a chain of its own (0). Its
+// blocks of kChainBlock edges, in chain order, start at blocks[firstBlock]. A part of a chain
+// (a block) is described the same way.
 struct Chain {
     std::size_t first;
     std::size_t count;
     int direction;
     EdgeSpan box;
+    std::size_t firstBlock;
 
-    static Chain of(std::size_t at, const EdgeSpan& s, int direction) { return {at, 1, direction, s}; }
-    void add(const EdgeSpan& s) {
-        ++count;
-        box.minX = std::min(box.minX, s.minX);
-        box.maxX = std::max(box.maxX, s.maxX);
-        box.minY = std::min(box.minY, s.minY);
-        box.maxY = std::max(box.maxY, s.maxY);
+    // The edge index of the i-th edge from the left.
+    std::size_t fromLeft(std::size_t i) const {
+        return direction < 0 ? first + count - 1 - i : first + i;
     }
-    // The i-th edge from the left.
-    const EdgeSpan& fromLeft(const std::vector<EdgeSpan>& spans, std::size_t i) const {
-        return spans[direction < 0 ? first + count - 1 - i : first + i];
+    std::size_t blockCount() const { return (count + kChainBlock - 1) / kChainBlock; }
+    // The t-th block from the left, as a chain of its own, with its box.
+    Chain blockFromLeft(const std::vector<EdgeSpan>& blocks, std::size_t t) const {
+        const std::size_t b = direction < 0 ? blockCount() - 1 - t : t;
+        const std::size_t start = first + b * kChainBlock;
+        const std::size_t size = std::min(kChainBlock, count - b * kChainBlock);
+        return {start, size, direction, blocks[firstBlock + b], 0};
     }
 };
 
-// Calls pairHits(a, b) for every edge a of chain A and b of chain B whose x-ranges overlap
-// (touching counts), until one returns true. The x-ranges of a chain, from the left, follow one
-// another, each starting where the previous ends; so the walk advances the edge that ends first,
-// and where both end at the same x also pairs each with the other's next edge, which starts
-// there.
-template <class PairTest>
-bool walkTogether(const std::vector<EdgeSpan>& spans, const Chain& A, const Chain& B,
-                  PairTest pairHits) {
+// Calls visit(a, b) for every a from the left of A and b of B whose x-ranges overlap (touching
+// counts), given by xRange(chain, i), until one returns true. The x-ranges along a chain from
+// the left follow one another, each starting where the previous ends; so the walk advances the
+// one that ends first, and where both end at the same x also pairs each with the other's next,
+// which starts there.
+template <class XRange, class Visit>
+bool mergeInX(std::size_t countA, std::size_t countB, XRange xRange, Visit visit) {
     std::size_t i = 0;
     std::size_t j = 0;
-    while (i < A.count && j < B.count) {
-        const EdgeSpan& a = A.fromLeft(spans, i);
-        const EdgeSpan& b = B.fromLeft(spans, j);
-        if (a.maxX < b.minX) {
+    while (i < countA && j < countB) {
+        const std::pair<double, double> a = xRange(0, i);
+        const std::pair<double, double> b = xRange(1, j);
+        if (a.second < b.first) {
             ++i;
             continue;
         }
-        if (b.maxX < a.minX) {
+        if (b.second < a.first) {
             ++j;
             continue;
         }
-        if (pairHits(a, b)) return true;
-        if (a.maxX < b.maxX) {
+        if (visit(i, j)) return true;
+        if (a.second < b.second) {
             ++i;
-        } else if (b.maxX < a.maxX) {
+        } else if (b.second < a.second) {
             ++j;
         } else {
-            if (i + 1 < A.count && pairHits(A.fromLeft(spans, i + 1), b)) return true;
-            if (j + 1 < B.count && pairHits(a, B.fromLeft(spans, j + 1))) return true;
+            if (i + 1 < countA && visit(i + 1, j)) return true;
+            if (j + 1 < countB && visit(i, j + 1)) return true;
             ++i;
             ++j;
         }
     }
     return false;
+}
+
+// Calls pairHits(a, b) for every edge a of chain A and b of chain B whose x-ranges overlap,
+// until one returns true: first over their blocks, then over the edges of each pair of blocks
+// whose x-ranges overlap and whose boxes meet (pairHits is false for edges whose y-ranges are
+// apart, so the other block pairs hold nothing to find). spanOf(k) is edge k's extent.
+template <class SpanOf, class PairTest>
+bool walkTogether(const std::vector<EdgeSpan>& blocks, const Chain& A, const Chain& B,
+                  SpanOf spanOf, PairTest pairHits) {
+    const auto edgesMeet = [&](const Chain& a, const Chain& b) {
+        const Chain* pair[2] = {&a, &b};
+        return mergeInX(
+            a.count, b.count,
+            [&](int c, std::size_t i) {
+                const EdgeSpan s = spanOf(pair[c]->fromLeft(i));
+                return std::make_pair(s.minX, s.maxX);
+            },
+            [&](std::size_t i, std::size_t j) {
+                return pairHits(spanOf(a.fromLeft(i)), spanOf(b.fromLeft(j)));
+            });
+    };
+    if (A.count <= kChainBlock && B.count <= kChainBlock) return edgesMeet(A, B);
+    const Chain* pair[2] = {&A, &B};
+    return mergeInX(
+        A.blockCount(), B.blockCount(),
+        [&](int c, std::size_t t) {
+            const EdgeSpan& box = blocks[pair[c]->firstBlock +
+                                         (pair[c]->direction < 0 ? pair[c]->blockCount() - 1 - t : t)];
+            return std::make_pair(box.minX, box.maxX);
+        },
+        [&](std::size_t s, std::size_t t) {
+            const Chain a = A.blockFromLeft(blocks, s);
+            const Chain b = B.blockFromLeft(blocks, t);
+            return overlaps(a.box, b.box) && edgesMeet(a, b);
+        });
 }
 
 // The largest coordinate magnitude of the segment's ends.
@@ -477,31 +525,42 @@ bool xcContour::selfIntersectingPlain() const {
 // passes through an end of the other's query) and are skipped. Within a chain of consecutive
 // edges whose x strictly increases (or strictly decreases) the x-ranges of non-adjacent edges are
 // disjoint, so only pairs from two chains can meet; chains are swept by their left ends and two
-// chains whose rectangles overlap are walked together in x. The edges are formed from the
-// vertices as computeLineSegs() forms them.
+// chains whose rectangles overlap are walked together in x, block by block, the edges of two
+// blocks only where the blocks' rectangles overlap. The edges are formed from the vertices as
+// computeLineSegs() forms them.
 bool xcContour::selfIntersectingSwept() const {
     const std::size_t n = points_.size();
     if (n < 2) return false;
     const bool closed = isClosed();
     const std::size_t edges = closed ? n : n - 1;
     const xcRect contourRect = rectOf(xcXform<2>::I);
-    std::vector<EdgeSpan> spans;
+    const auto spanOf = [&](std::size_t k) {
+        const xcVector<2>& a = points_[edgeStartVertex(k, n, closed)];
+        const xcVector<2>& b = points_[edgeEndVertex(k, closed)];
+        return EdgeSpan{std::min(a.x(), b.x()), std::max(a.x(), b.x()), std::min(a.y(), b.y()),
+                        std::max(a.y(), b.y()), k};
+    };
     std::vector<Chain> chains;
-    spans.reserve(edges);
-    chains.reserve(edges);  // grown only as used; reallocating would copy every chain
+    std::vector<EdgeSpan> blocks;
     for (std::size_t k = 0; k < edges; ++k) {
         const xcVector<2>& a = points_[edgeStartVertex(k, n, closed)];
         const xcVector<2>& b = points_[edgeEndVertex(k, closed)];
         if (xfRealEq(a, b, kExactTolerance)) continue;
         const int direction = b.x() > a.x() ? 1 : (b.x() < a.x() ? -1 : 0);
-        const bool extends = !chains.empty() && direction != 0 &&
-                             chains.back().direction == direction && spans.back().edge + 1 == k;
-        spans.push_back({std::min(a.x(), b.x()), std::max(a.x(), b.x()), std::min(a.y(), b.y()),
-                         std::max(a.y(), b.y()), k});
-        if (extends)
-            chains.back().add(spans.back());
-        else
-            chains.push_back(Chain::of(spans.size() - 1, spans.back(), direction));
+        const EdgeSpan span = spanOf(k);
+        Chain* last = chains.empty() ? nullptr : &chains.back();
+        if (last != nullptr && direction != 0 && last->direction == direction &&
+            last->first + last->count == k) {
+            if (last->count % kChainBlock == 0)
+                blocks.push_back(span);
+            else
+                grow(blocks.back(), span);
+            ++last->count;
+            grow(last->box, span);
+        } else {
+            chains.push_back({k, 1, direction, span, blocks.size()});
+            blocks.push_back(span);
+        }
     }
     std::sort(chains.begin(), chains.end(),
               [](const Chain& a, const Chain& b) { return a.box.minX < b.box.minX; });
@@ -533,7 +592,7 @@ bool xcContour::selfIntersectingSwept() const {
     for (std::size_t i = 0; i < chains.size(); ++i)
         for (std::size_t j = i + 1; j < chains.size() && chains[j].box.minX <= chains[i].box.maxX; ++j)
             if (overlaps(chains[i].box, chains[j].box) &&
-                walkTogether(spans, chains[i], chains[j], pairHits))
+                walkTogether(blocks, chains[i], chains[j], spanOf, pairHits))
                 return true;
     return false;
 }
