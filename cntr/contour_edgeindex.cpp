@@ -66,18 +66,4 @@ std::unique_ptr<EdgeIndex> EdgeIndex::build(const std::vector<xcVector<2>>& poin
     return index;
 }
 
-std::size_t EdgeIndex::lastChild(const EdgeNode& node) const {
-    return std::min(firstChild(node) + kFanOut, levels_[node.level - 1].size());
-}
-
-std::size_t EdgeIndex::lastEdge(const EdgeNode& leaf) const {
-    return std::min(firstEdge(leaf) + kFanOut, edges_);
-}
-
-double squaredDistance(const EdgeBox& b, const xcVector<2>& p) {
-    const double dx = std::max({b.minX - p.x(), 0.0, p.x() - b.maxX});
-    const double dy = std::max({b.minY - p.y(), 0.0, p.y() - b.maxY});
-    return dx * dx + dy * dy;
-}
-
 }  // namespace xn_contourDetail

@@ -3,6 +3,7 @@
 #ifndef CNTR_CONTOUR_EDGEINDEX_H
 #define CNTR_CONTOUR_EDGEINDEX_H
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <vector>
@@ -68,10 +69,14 @@ public:
     const EdgeBox& box(const EdgeNode& node) const { return levels_[node.level][node.index]; }
     /// The children of a node above the leaves: [first, last) at level node.level - 1.
     std::size_t firstChild(const EdgeNode& node) const { return node.index * kFanOut; }
-    std::size_t lastChild(const EdgeNode& node) const;
+    std::size_t lastChild(const EdgeNode& node) const {
+        return std::min(firstChild(node) + kFanOut, levels_[node.level - 1].size());
+    }
     /// The edges of a leaf: [firstEdge, lastEdge).
     std::size_t firstEdge(const EdgeNode& leaf) const { return leaf.index * kFanOut; }
-    std::size_t lastEdge(const EdgeNode& leaf) const;
+    std::size_t lastEdge(const EdgeNode& leaf) const {
+        return std::min(firstEdge(leaf) + kFanOut, edges_);
+    }
 
     /// Calls edge(k) for every edge k below a node whose box passes `mayHold`, in ascending
     /// edge order.
@@ -99,8 +104,13 @@ private:
     std::vector<std::vector<EdgeBox>> levels_;
 };
 
-/// The squared distance from `p` to the nearest point of `b` (0 inside).
-double squaredDistance(const EdgeBox& b, const xcVector<2>& p);
+/// The squared distance from `p` to the nearest point of `b` (0 inside). Inline: the nearest
+/// point and containment searches call it for every box and edge they consider.
+inline double squaredDistance(const EdgeBox& b, const xcVector<2>& p) {
+    const double dx = std::max({b.minX - p.x(), 0.0, p.x() - b.maxX});
+    const double dy = std::max({b.minY - p.y(), 0.0, p.y() - b.maxY});
+    return dx * dx + dy * dy;
+}
 
 }  // namespace xn_contourDetail
 
