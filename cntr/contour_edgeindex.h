@@ -4,10 +4,12 @@
 #define CNTR_CONTOUR_EDGEINDEX_H
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <memory>
 #include <vector>
 
+#include <cntr/export.h>
 #include <foundation/vector.h>
 
 namespace xn_contourDetail {
@@ -26,6 +28,28 @@ struct EdgeBox {
     double maxY;
 };
 
+/// A box turned to the axis `u` (a unit vector; v is u turned a quarter left): the points c +
+/// s u + t v with |s| <= halfU and |t| <= halfV. Around a run of long parallel edges (the spikes
+/// of a star, a stretch of a diagonal outline) it is far tighter than the axis-aligned box.
+struct TurnedBox {
+    double cx;
+    double cy;
+    double ux;
+    double uy;
+    double halfU;
+    double halfV;
+};
+
+/// The squared distance from `p` to the nearest point of `b` (0 inside), with `slack` taken
+/// off each of the two offsets for rounding.
+inline double squaredDistance(const TurnedBox& b, const xcVector<2>& p, double slack) {
+    const double rx = p.x() - b.cx;
+    const double ry = p.y() - b.cy;
+    const double s = std::max(std::fabs(rx * b.ux + ry * b.uy) - b.halfU - slack, 0.0);
+    const double t = std::max(std::fabs(ry * b.ux - rx * b.uy) - b.halfV - slack, 0.0);
+    return s * s + t * t;
+}
+
 /// A node of the index: `level` 0 holds the leaves, each of up to kFanOut consecutive edges;
 /// a node at level l > 0 groups up to kFanOut consecutive nodes of level l - 1.
 struct EdgeNode {
@@ -39,7 +63,8 @@ struct EdgeNode {
 /// vertex of the contour lies in the leaf of an edge that ends or starts at it.
 ///
 /// Cost: about 32 / (kFanOut - 1) bytes per edge (under 5 bytes with kFanOut 8), built in one
-/// pass over the vertices. Built only for contours of at least kMinEdges edges whose
+/// pass over the vertices; the turned boxes, which the nearest-point search builds on its first
+/// call, add about 48 / (kFanOut - 1) (7 bytes). Built only for contours of at least kMinEdges edges whose
 /// coordinates are finite and at most kCoordinateLimit in magnitude: on other contours the
 /// queries keep their plain per-edge loops, whose rounding the index's margins do not cover.
 class EdgeIndex {
@@ -61,8 +86,11 @@ public:
     std::size_t edgeCount() const { return edges_; }
     /// The memory the index holds, its boxes and itself.
     std::size_t bytes() const {
-        std::size_t total = sizeof(*this) + levels_.capacity() * sizeof(levels_[0]);
+        std::size_t total = sizeof(*this) + levels_.capacity() * sizeof(levels_[0]) +
+                            turned_.capacity() * sizeof(turned_[0]);
         for (const std::vector<EdgeBox>& level : levels_) total += level.capacity() * sizeof(EdgeBox);
+        for (const std::vector<TurnedBox>& level : turned_)
+            total += level.capacity() * sizeof(TurnedBox);
         return total;
     }
     EdgeNode root() const { return {levels_.size() - 1, 0}; }
@@ -76,6 +104,15 @@ public:
     std::size_t firstEdge(const EdgeNode& leaf) const { return leaf.index * kFanOut; }
     std::size_t lastEdge(const EdgeNode& leaf) const {
         return std::min(firstEdge(leaf) + kFanOut, edges_);
+    }
+
+    /// The turned box of a node, holding every vertex below it as its box does. The turned
+    /// boxes are built for the whole index on the first call, from `points` (the vertices the
+    /// index was built from) and kept: about 48 / (kFanOut - 1) bytes per edge more.
+    const TurnedBox& turnedBox(const EdgeNode& node, const std::vector<xcVector<2>>& points,
+                               bool closed) const {
+        if (turned_.empty()) buildTurned(points, closed);
+        return turned_[node.level][node.index];
     }
 
     /// Calls edge(k) for every edge k below a node whose box passes `mayHold`, in ascending
@@ -99,9 +136,13 @@ private:
             walk(EdgeNode{node.level - 1, c}, mayHold, edge);
     }
 
+    // Exported because turnedBox(), inline, calls it from the tests as well.
+    CNTR_API void buildTurned(const std::vector<xcVector<2>>& points, bool closed) const;
+
     std::size_t edges_ = 0;
     double scale_ = 1.0;
     std::vector<std::vector<EdgeBox>> levels_;
+    mutable std::vector<std::vector<TurnedBox>> turned_;  // empty until turnedBox() is asked
 };
 
 /// The squared distance from `p` to the nearest point of `b` (0 inside). Inline: the nearest

@@ -82,7 +82,8 @@ xcVector<2> xcContour::nearestPoint(const xcVector<2>& point, bool vertexOnly, b
 }
 
 // Depth first over the index, nearer boxes first, skipping boxes (and edges) further than the
-// best edge so far. Every edge at the smallest distance is measured, and the lowest index among
+// best edge so far. A box's distance is the larger of its axis-aligned box's and its turned
+// box's (see EdgeIndex::turnedBox), both lower bounds of its edges' distances. Every edge at the smallest distance is measured, and the lowest index among
 // them wins, as in edge order.
 xcVector<2> xcContour::nearestPointIndexed(const EdgeIndex& index, const xcVector<2>& point) const {
     const std::size_t n = points_.size();
@@ -118,7 +119,9 @@ xcVector<2> xcContour::nearestPointIndexed(const EdgeIndex& index, const xcVecto
         std::size_t count = 0;
         for (std::size_t c = index.firstChild(node); c < index.lastChild(node); ++c) {
             const EdgeNode child{node.level - 1, c};
-            children[count++] = {squaredDistance(index.box(child), point), child};
+            const double bound = std::max(squaredDistance(index.box(child), point),
+                                          squaredDistance(index.turnedBox(child, points_, closed), point, slack));
+            children[count++] = {bound, child};
         }
         // Insertion sort: at most kFanOut children.
         for (std::size_t i = 1; i < count; ++i)

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <cntr/contour.h>
+#include <cntr/contour_detail.h>
 #include <cntr/contour_edgeindex.h>
 #include <cntr/region.h>
 #include <foundation/random.h>
@@ -361,6 +362,58 @@ TEST(ContourEdgeIndex, CostsAtMost64BytesPerEdge) {
         ASSERT_NE(index, nullptr);
         EXPECT_EQ(index->edgeCount(), static_cast<std::size_t>(n));
         EXPECT_LE(index->bytes(), 64u * static_cast<std::size_t>(n)) << n << " edges";
+    }
+}
+
+TEST(ContourEdgeIndex, TurnedBoxesAddLessThan64BytesPerEdgeInAll) {
+    for (const int n : {32, 33, 100, 1000, 16384}) {
+        xcContour c(ring(n), true);
+        c.distToPoint({1.0, 2.0}, false);  // the nearest-point search builds the turned boxes
+        const xn_contourDetail::EdgeIndex* index = xcContourTestAccess::builtIndex(c);
+        ASSERT_NE(index, nullptr);
+        EXPECT_LE(index->bytes(), 64u * static_cast<std::size_t>(n)) << n << " edges";
+    }
+}
+
+// Every vertex below a node lies in the node's turned box (distance 0 with no slack), at every
+// level, for open and closed outlines of the seeded families.
+TEST(ContourEdgeIndex, TurnedBoxesHoldTheirVertices) {
+    xcRandomUniform g(4711);
+    for (int s = 0; s < 50; ++s) {
+        const Family family = kFamilies[s % 5];
+        const Points p = shape(family, g, 40 + static_cast<int>(g.next(0.0, 600.0)));
+        const bool closed = s % 4 != 3;
+        const xcContour c(p, closed);
+        const xn_contourDetail::EdgeIndex* index = xcContourTestAccess::edgeIndex(c);
+        ASSERT_NE(index, nullptr);
+        const std::size_t n = p.size();
+        const auto check = [&](const xn_contourDetail::EdgeNode& node, auto& self) -> void {
+            const xn_contourDetail::TurnedBox& box = index->turnedBox(node, p, closed);
+            if (node.level == 0) {
+                for (std::size_t k = index->firstEdge(node); k < index->lastEdge(node); ++k)
+                    for (const std::size_t v : {xn_contourDetail::edgeStartVertex(k, n, closed),
+                                                xn_contourDetail::edgeEndVertex(k, closed)})
+                        EXPECT_EQ(xn_contourDetail::squaredDistance(box, p[v], 0.0), 0.0)
+                            << familyName(family) << " shape " << s << " edge " << k;
+                return;
+            }
+            for (std::size_t child = index->firstChild(node); child < index->lastChild(node); ++child) {
+                const xn_contourDetail::EdgeNode below{node.level - 1, child};
+                self(below, self);
+                const xn_contourDetail::TurnedBox& inner = index->turnedBox(below, p, closed);
+                // The child's corners lie in the parent's box.
+                for (const double su : {-1.0, 1.0})
+                    for (const double sv : {-1.0, 1.0}) {
+                        const xcVector<2> corner(
+                            inner.cx + su * inner.ux * inner.halfU - sv * inner.uy * inner.halfV,
+                            inner.cy + su * inner.uy * inner.halfU + sv * inner.ux * inner.halfV);
+                        EXPECT_EQ(xn_contourDetail::squaredDistance(box, corner, 0.0), 0.0)
+                            << familyName(family) << " shape " << s << " level " << node.level;
+                    }
+            }
+        };
+        check(index->root(), check);
+        if (HasFailure()) break;
     }
 }
 
