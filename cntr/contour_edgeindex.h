@@ -117,8 +117,15 @@ public:
 
     /// Calls edge(k) for every edge k below a node whose box passes `mayHold`, in ascending
     /// edge order.
+    template <class BoxTest, class EdgeVisit>
+    void forEachCandidate(BoxTest mayHold, EdgeVisit edge) const {
+        const auto nodeTest = [&](const EdgeNode& node) { return mayHold(box(node)); };
+        walk(root(), nodeTest, edge);
+    }
+
+    /// forEachCandidate with a test of the node itself (its box, its turned box).
     template <class NodeTest, class EdgeVisit>
-    void forEachCandidate(NodeTest mayHold, EdgeVisit edge) const {
+    void forEachCandidateNode(const NodeTest& mayHold, EdgeVisit edge) const {
         walk(root(), mayHold, edge);
     }
 
@@ -126,8 +133,8 @@ private:
     EdgeIndex() = default;
 
     template <class NodeTest, class EdgeVisit>
-    void walk(const EdgeNode& node, NodeTest& mayHold, EdgeVisit& edge) const {
-        if (!mayHold(box(node))) return;
+    void walk(const EdgeNode& node, const NodeTest& mayHold, EdgeVisit& edge) const {
+        if (!mayHold(node)) return;
         if (node.level == 0) {
             for (std::size_t k = firstEdge(node); k < lastEdge(node); ++k) edge(k);
             return;

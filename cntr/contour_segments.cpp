@@ -81,7 +81,28 @@ class SegmentReach {
 public:
     SegmentReach(const xcLineSeg& seg, const xcRect& rect, double scale)
         : p1_(seg.p1()), d_(seg.delta()), rect_(rect),
-          reach_(kReachTolerance * d_.length() + kCrossRounding * scale * scale) {}
+          reach_(kReachTolerance * d_.length() + kCrossRounding * scale * scale),
+          widen_(kReachTolerance + kCrossRounding * scale) {}
+
+    // The same test for a turned box (see EdgeIndex::turnedBox): the query's projections on
+    // the box's two axes come within the reach tolerance of the box's extents, and the box's
+    // corners are not all beyond the query's line. The projections' rounding, a few units in
+    // the last place of the coordinate scale, is covered by kCrossRounding times the scale.
+    bool mayHold(const TurnedBox& t) const {
+        const double rx = p1_.x() - t.cx;
+        const double ry = p1_.y() - t.cy;
+        const double s1 = rx * t.ux + ry * t.uy;
+        const double s2 = s1 + (d_.x() * t.ux + d_.y() * t.uy);
+        const double v1 = ry * t.ux - rx * t.uy;
+        const double v2 = v1 + (d_.y() * t.ux - d_.x() * t.uy);
+        if (std::min(s1, s2) > t.halfU + widen_ || std::max(s1, s2) < -t.halfU - widen_ ||
+            std::min(v1, v2) > t.halfV + widen_ || std::max(v1, v2) < -t.halfV - widen_)
+            return false;
+        const double base = d_.cross(xcVector<2>(t.cx, t.cy) - p1_);
+        const double spread = std::fabs(t.halfU * (d_.x() * t.uy - d_.y() * t.ux)) +
+                              std::fabs(t.halfV * (d_.x() * t.ux + d_.y() * t.uy));
+        return !(base - spread > reach_) && !(base + spread < -reach_);
+    }
 
     bool operator()(const EdgeBox& b) const {
         if (b.maxX < rect_.ul().x() || b.minX > rect_.lr().x() || b.maxY < rect_.ul().y() ||
@@ -109,6 +130,25 @@ private:
     xcVector<2> d_;
     xcRect rect_;
     double reach_;
+    double widen_;
+};
+
+// SegmentReach over a node of the index: its box and its turned box.
+class NodeReach {
+public:
+    NodeReach(const SegmentReach& reach, const EdgeIndex& index,
+              const std::vector<xcVector<2>>& points, bool closed)
+        : reach_(reach), index_(index), points_(points), closed_(closed) {}
+
+    bool operator()(const EdgeNode& node) const {
+        return reach_(index_.box(node)) && reach_.mayHold(index_.turnedBox(node, points_, closed_));
+    }
+
+private:
+    const SegmentReach& reach_;
+    const EdgeIndex& index_;
+    const std::vector<xcVector<2>>& points_;
+    bool closed_;
 };
 
 // A non-degenerate edge's extent and index.
@@ -363,8 +403,9 @@ public:
         std::pair<double, std::size_t> order[EdgeIndex::kFanOut];
         std::size_t count = 0;
         for (std::size_t c = index_.firstChild(node); c < index_.lastChild(node); ++c) {
-            const EdgeBox& b = index_.box(EdgeNode{node.level - 1, c});
-            if (!reach(b)) continue;
+            const EdgeNode child{node.level - 1, c};
+            if (!reach(child)) continue;
+            const EdgeBox& b = index_.box(child);
             // Insertion into the ascending order (at most kFanOut children).
             std::size_t at = count++;
             const std::pair<double, std::size_t> entry(bound(b), c);
@@ -407,8 +448,9 @@ void xcContour::collectHits(const xcLineSeg& seg, bool includeEndTouches, bool p
         return;
     }
     const SegmentReach reach(seg, t.queryRect, std::max(index->scale(), maxAbs(seg)));
+    const NodeReach nodeReach(reach, *index, points_, isClosed());
     indexedEdges(points_, isClosed(), reach, t,
-                 [&](auto test) { index->forEachCandidate(reach, test); }, keep);
+                 [&](auto test) { index->forEachCandidateNode(nodeReach, test); }, keep);
 }
 
 // The front of orderAlong's exchange sort is what a linear scan leaves that replaces its best
@@ -439,10 +481,11 @@ bool xcContour::firstHitAlong(const xcLineSeg& seg, xcVector<2>& point, int& edg
     }
     const double scale = std::max(index->scale(), maxAbs(seg));
     const SegmentReach reach(seg, t.queryRect, scale);
+    const NodeReach nodeReach(reach, *index, points_, isClosed());
     const NearestHitSearch search(*index, seg, scale);
     double bound = std::numeric_limits<double>::infinity();
     const auto visit = [&](auto test) {
-        if (reach(index->box(index->root()))) search.walk(index->root(), reach, test, bound);
+        if (nodeReach(index->root())) search.walk(index->root(), nodeReach, test, bound);
     };
     indexedEdges(points_, isClosed(), reach, t, visit, [&](const xcVector<2>& p, int k) {
         const double key = search.key(p);
