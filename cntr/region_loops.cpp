@@ -7,7 +7,6 @@
 // the change leaves every earlier loop with nothing to find (shown at each search), so the
 // first change found is the same, at linear instead of quadratic cost.
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <memory>
 #include <utility>
