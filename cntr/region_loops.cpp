@@ -190,8 +190,8 @@ bool joinTouchingLoopsPlain(Loops& loops, std::vector<Box>& boxes, std::size_t& 
 // loop, ordered by cell and then by their place in the loop. Every loop's points are walk
 // points, so the loop's grid holds the same cells as the walk's.
 //
-// Cost while the reduction runs: the walk's grid, and about 24 bytes per walk point and 8 per
-// neighbour pair.
+// Cost while the reduction runs: about 48 bytes per walk point (its own entry in the neighbour
+// lists included) and 16 per further neighbour, and the walk's grid while the lists are made.
 class WalkLoops {
   public:
     explicit WalkLoops(const Points& walk) : walk_(walk), placeOf_(walk.size(), 0), posOf_(walk.size()) {
