@@ -341,8 +341,8 @@ namespace {
 
 // The segment query's two ways to test the edges: `plainEdges` calls hit(p, k) for every
 // edge k in ascending order that gives a point p; `indexedEdges` does the same for the edges
-// below the index's boxes that `reach` lets through, in the order the walk `visit(test)` takes
-// them (test(k) tests edge k). The edges are formed from the vertices as computeLineSegs()
+// below the index's nodes that the walk `visit(test)` lets through (see NodeReach), in the
+// order it takes them (test(k) tests edge k, first with `reach`). The edges are formed from the vertices as computeLineSegs()
 // forms them, so both see the same doubles without the edge cache being built.
 struct SegmentTest {
     const xcLineSeg& seg;

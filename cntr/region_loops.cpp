@@ -119,6 +119,13 @@ Box boxOf(const Points& v) {
     return b;
 }
 
+std::vector<Box> boxesOf(const Loops& loops) {
+    std::vector<Box> boxes;
+    for (const std::unique_ptr<xcRegion>& loop : loops)
+        boxes.push_back(boxOf(loop->points()));
+    return boxes;
+}
+
 // Whether no vertex inside one box can lie within the repeated-vertex tolerance of a vertex
 // inside the other. The boxes must be four tolerances apart, which absorbs the rounding of the
 // sum below and of the distance that vertexIndex computes.
@@ -165,7 +172,7 @@ void joinLoops(Loops& loops, std::vector<Box>& boxes, std::size_t i, std::size_t
 // vertex m of loop i that loop k's vertexIndex finds, at the first index q found (see
 // joinLoops). A loop before `from` shared no vertex with either joined loop nor with the moved
 // one, so it still shares none. Every pair of loops is searched: the definition, kept as the
-// reference of the indexed search below and for coordinates that it does not take.
+// reference of WalkLoops's search and for the walks whose neighbour lists it would not build.
 bool joinTouchingLoopsPlain(Loops& loops, std::vector<Box>& boxes, std::size_t& from) {
     for (std::size_t i = from; i + 1 < loops.size(); ++i) {
         for (std::size_t k = i + 1; k < loops.size(); ++k) {
@@ -373,9 +380,7 @@ void xn_regionDetail::assignOuterLoop(const Points& walk, xcRegion& result, Loop
         repeatUntilStable(walk.size(), [&] { return cutAtRepeatedVertex(loops, from); });
         from = 0;
         repeatUntilStable(loops.size(), [&] { return dropInnerLoop(loops, from, [](std::size_t) {}); });
-        std::vector<Box> boxes;
-        for (const std::unique_ptr<xcRegion>& loop : loops)
-            boxes.push_back(boxOf(loop->points()));
+        std::vector<Box> boxes = boxesOf(loops);
         from = 0;
         repeatUntilStable(loops.size(), [&] { return joinTouchingLoopsPlain(loops, boxes, from); });
         if (loops.size() != 1)
@@ -391,9 +396,7 @@ void xn_regionDetail::assignOuterLoop(const Points& walk, xcRegion& result, Loop
     repeatUntilStable(loops.size(), [&] {
         return dropInnerLoop(loops, from, [&w](std::size_t i) { w.dropped(i); });
     });
-    std::vector<Box> boxes;
-    for (const std::unique_ptr<xcRegion>& loop : loops)
-        boxes.push_back(boxOf(loop->points()));
+    std::vector<Box> boxes = boxesOf(loops);
     from = 0;
     repeatUntilStable(w.size(), [&] { return w.joinTouchingLoops(boxes, from); });
     if (w.size() != 1)
