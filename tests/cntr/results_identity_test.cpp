@@ -144,7 +144,7 @@ std::uint64_t familyHash() {
 }
 
 /// Recorded from the default build; the sanitizer build must give the very same bits.
-constexpr std::uint64_t kFamilyHash = 0x51f479655bde1534ull;
+constexpr std::uint64_t kFamilyHash = 0x45a0214331cde94bull;
 
 TEST(ResultsIdentity, MeasuresOfSeededShapesMatchTheRecordedBits) {
     EXPECT_EQ(familyHash(), kFamilyHash) << std::hex << "got 0x" << familyHash();
