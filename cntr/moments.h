@@ -59,7 +59,7 @@ class CNTR_API xc_InertiaData {
 /// The unsigned area of the polygon: half the absolute sum of cross(previous, current) over all
 /// edges, the same for either vertex order. Fewer than 3 points (an empty list too) give 0; a
 /// self-overlapping outline gives the net area (the lobes of a figure eight cancel). NaN
-/// coordinates give NaN. From 8 points on, the cross products are added in four interleaved
+/// coordinates give NaN. From 8 to 2^17 points, the cross products are added in four interleaved
 /// partial sums, which the processor adds in parallel, whenever a bound on the rounding (from
 /// the sum of their absolute values) shows the result within 1e-10 relative of the sum in edge
 /// order; otherwise, and for non-finite terms, they are added in edge order.
