@@ -2,6 +2,7 @@
 #define CNTR_CONTOUR_H
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <cntr/contourdefs.h>
@@ -327,7 +328,8 @@ private:
     // The furthest-pair circle from the loop over every vertex pair (the reference the filtered
     // loop is tested against).
     xcCircle furthestPairCirclePlain() const;
-    bool selfIntersectingSwept() const;
+    // isSelfIntersecting() through x-monotone chains; empty when a coordinate is not finite.
+    std::optional<bool> selfIntersectingSwept() const;
     xcVector<2> nearestPoint(const xcVector<2>& point, bool vertexOnly, bool plain = false) const;
     xcVector<2> nearestPointIndexed(const xn_contourDetail::EdgeIndex& index,
                                     const xcVector<2>& point) const;

@@ -197,6 +197,59 @@ struct Chain {
     }
 };
 
+// Cuts the non-degenerate edges (ends apart by more than kExactTolerance in x or y) into chains
+// and each chain into blocks, in edge order, in one pass that also finds the largest absolute
+// coordinate of the vertices. False, with nothing cut to rely on, when a coordinate is not
+// finite.
+bool cutIntoChains(const std::vector<xcVector<2>>& points, bool closed, std::vector<Chain>& chains,
+                   std::vector<EdgeSpan>& blocks, double& largestCoordinate) {
+    const std::size_t n = points.size();
+    const std::size_t edges = closed ? n : n - 1;
+    const double finiteLimit = std::numeric_limits<double>::max();
+    double largest = std::max(std::fabs(points[0].x()), std::fabs(points[0].y()));
+    bool finite = largest <= finiteLimit;
+    Chain chain{0, 0, 0, EdgeSpan{}, 0};  // the chain being cut; count 0 before the first
+    EdgeSpan block{};                     // its last block, holding `inBlock` edges
+    std::size_t inBlock = 0;
+    const auto closeChain = [&] {
+        if (chain.count == 0) return;
+        chains.push_back(chain);
+        blocks.push_back(block);
+    };
+    for (std::size_t k = 0; k < edges; ++k) {
+        const xcVector<2>& a = points[edgeStartVertex(k, n, closed)];
+        const xcVector<2>& b = points[edgeEndVertex(k, closed)];
+        const double endSize = std::max(std::fabs(b.x()), std::fabs(b.y()));
+        finite = finite && endSize <= finiteLimit;
+        largest = std::max(largest, endSize);
+        if (xfRealEq(a, b, kExactTolerance)) continue;
+        const int direction = b.x() > a.x() ? 1 : (b.x() < a.x() ? -1 : 0);
+        const EdgeSpan span{std::min(a.x(), b.x()), std::max(a.x(), b.x()), std::min(a.y(), b.y()),
+                            std::max(a.y(), b.y()), k};
+        if (chain.count > 0 && direction != 0 && chain.direction == direction &&
+            chain.first + chain.count == k) {
+            if (inBlock == kChainBlock) {
+                blocks.push_back(block);
+                block = span;
+                inBlock = 1;
+            } else {
+                grow(block, span);
+                ++inBlock;
+            }
+            ++chain.count;
+            grow(chain.box, span);
+        } else {
+            closeChain();
+            chain = Chain{k, 1, direction, span, blocks.size()};
+            block = span;
+            inBlock = 1;
+        }
+    }
+    closeChain();
+    largestCoordinate = largest;
+    return finite;
+}
+
 // Calls visit(a, b) for every a from the left of A and b of B whose x-ranges overlap (touching
 // counts), given by xRange(chain, i), until one returns true. The x-ranges along a chain from
 // the left follow one another, each starting where the previous ends; so the walk advances the
@@ -540,10 +593,8 @@ std::vector<xcVector<2>> xcContour::intersections(const xcContour& other) {
 bool xcContour::isSelfIntersecting() const {
     if (points_.empty()) return false;
     if (selfIntersectingValid_) return selfIntersecting_;
-    const bool finite = std::all_of(points_.begin(), points_.end(), [](const xcVector<2>& p) {
-        return std::isfinite(p.x()) && std::isfinite(p.y());
-    });
-    selfIntersecting_ = finite ? selfIntersectingSwept() : selfIntersectingPlain();
+    const std::optional<bool> swept = selfIntersectingSwept();
+    selfIntersecting_ = swept ? *swept : selfIntersectingPlain();
     selfIntersectingValid_ = true;
     return selfIntersecting_;
 }
@@ -571,12 +622,11 @@ bool xcContour::selfIntersectingPlain() const {
 // chains whose rectangles overlap are walked together in x, block by block, the edges of two
 // blocks only where the blocks' rectangles overlap. The edges are formed from the vertices as
 // computeLineSegs() forms them.
-bool xcContour::selfIntersectingSwept() const {
+std::optional<bool> xcContour::selfIntersectingSwept() const {
     const std::size_t n = points_.size();
     if (n < 2) return false;
     const bool closed = isClosed();
     const std::size_t edges = closed ? n : n - 1;
-    const xcRect contourRect = rectOf(xcXform<2>::I);
     const auto spanOf = [&](std::size_t k) {
         const xcVector<2>& a = points_[edgeStartVertex(k, n, closed)];
         const xcVector<2>& b = points_[edgeEndVertex(k, closed)];
@@ -585,26 +635,8 @@ bool xcContour::selfIntersectingSwept() const {
     };
     std::vector<Chain> chains;
     std::vector<EdgeSpan> blocks;
-    for (std::size_t k = 0; k < edges; ++k) {
-        const xcVector<2>& a = points_[edgeStartVertex(k, n, closed)];
-        const xcVector<2>& b = points_[edgeEndVertex(k, closed)];
-        if (xfRealEq(a, b, kExactTolerance)) continue;
-        const int direction = b.x() > a.x() ? 1 : (b.x() < a.x() ? -1 : 0);
-        const EdgeSpan span = spanOf(k);
-        Chain* last = chains.empty() ? nullptr : &chains.back();
-        if (last != nullptr && direction != 0 && last->direction == direction &&
-            last->first + last->count == k) {
-            if (last->count % kChainBlock == 0)
-                blocks.push_back(span);
-            else
-                grow(blocks.back(), span);
-            ++last->count;
-            grow(last->box, span);
-        } else {
-            chains.push_back({k, 1, direction, span, blocks.size()});
-            blocks.push_back(span);
-        }
-    }
+    double largestCoordinate = 0.0;
+    if (!cutIntoChains(points_, closed, chains, blocks, largestCoordinate)) return std::nullopt;
     std::sort(chains.begin(), chains.end(),
               [](const Chain& a, const Chain& b) { return a.box.minX < b.box.minX; });
 
@@ -612,19 +644,18 @@ bool xcContour::selfIntersectingSwept() const {
         return xcLineSeg(points_[edgeStartVertex(k, n, closed)], points_[edgeEndVertex(k, closed)]);
     };
     // Within the index's coordinate limit, an edge wholly beyond the query's line is passed over
-    // before the exact test, as in the indexed segment query.
-    const double scale = std::max({std::fabs(contourRect.ul().x()), std::fabs(contourRect.ul().y()),
-                                   std::fabs(contourRect.lr().x()), std::fabs(contourRect.lr().y()), 1.0});
+    // before the exact test, as in the indexed segment query. (The query's own check that its
+    // rectangle meets the contour's always passes here: both ends are vertices.)
+    const double scale = std::max(largestCoordinate, 1.0);
     const bool prefilter = scale <= EdgeIndex::kCoordinateLimit;
     const auto queryHits = [&](std::size_t q, std::size_t e) {
         const xcLineSeg query = segment(q);
         const xcLineSeg edge = segment(e);
-        const xcRect queryRect = spanRect(query.p1(), query.p2());
-        if (prefilter && !SegmentReach(query, queryRect, scale).mayReach(edge.p1(), edge.p2()))
+        if (prefilter &&
+            !SegmentReach(query, spanRect(query.p1(), query.p2()), scale).mayReach(edge.p1(), edge.p2()))
             return false;
         xcVector<2> p;
-        return rectsOverlap(contourRect, queryRect) &&
-               edgeHit(edge, edge.line(), query, query.line(), false, p);
+        return edgeHit(edge, edge.line(), query, query.line(), false, p);
     };
     const auto pairHits = [&](const EdgeSpan& a, const EdgeSpan& b) {
         if (a.maxY < b.minY || b.maxY < a.minY) return false;

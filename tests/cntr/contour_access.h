@@ -3,6 +3,7 @@
 #ifndef CNTR_TESTS_CONTOUR_ACCESS_H
 #define CNTR_TESTS_CONTOUR_ACCESS_H
 
+#include <optional>
 #include <vector>
 
 #include <cntr/contour.h>
@@ -28,7 +29,9 @@ struct xcContourTestAccess {
     static xcCircle plainFurthestPairCircle(const xcContour& c) {
         return c.furthestPairCirclePlain();
     }
-    static bool sweptSelfIntersecting(const xcContour& c) { return c.selfIntersectingSwept(); }
+    static std::optional<bool> sweptSelfIntersecting(const xcContour& c) {
+        return c.selfIntersectingSwept();
+    }
     static xcVector<2> plainClosestPoint(const xcContour& c, const xcVector<2>& p) {
         return c.nearestPoint(p, false, true);
     }
