@@ -197,10 +197,28 @@ struct Chain {
     }
 };
 
-// Cuts the non-degenerate edges (ends apart by more than kExactTolerance in x or y) into chains
-// and each chain into blocks, in edge order, in one pass that also finds the largest absolute
-// coordinate of the vertices. False, with nothing cut to rely on, when a coordinate is not
-// finite.
+// The extent of the `count` edges from edge `first` of one chain, with index `first`. Along the
+// chain x is monotone, so its x-range is that of its two end vertices; its y-range takes every
+// vertex.
+EdgeSpan chainPartSpan(const std::vector<xcVector<2>>& points, bool closed, std::size_t first,
+                       std::size_t count) {
+    const std::size_t n = points.size();
+    const xcVector<2>& start = points[edgeStartVertex(first, n, closed)];
+    const double endX = points[edgeEndVertex(first + count - 1, closed)].x();
+    double minY = start.y();
+    double maxY = start.y();
+    for (std::size_t k = first; k < first + count; ++k) {
+        const double y = points[edgeEndVertex(k, closed)].y();
+        minY = std::min(minY, y);
+        maxY = std::max(maxY, y);
+    }
+    return EdgeSpan{std::min(start.x(), endX), std::max(start.x(), endX), minY, maxY, first};
+}
+
+// Cuts the non-degenerate edges (ends apart by more than kExactTolerance in x or y) into chains,
+// in edge order, in one pass that also finds the largest absolute coordinate of the vertices;
+// then gives each chain its blocks of kChainBlock edges and their extents. False, with nothing
+// cut to rely on, when a coordinate is not finite.
 bool cutIntoChains(const std::vector<xcVector<2>>& points, bool closed, std::vector<Chain>& chains,
                    std::vector<EdgeSpan>& blocks, double& largestCoordinate) {
     const std::size_t n = points.size();
@@ -208,14 +226,9 @@ bool cutIntoChains(const std::vector<xcVector<2>>& points, bool closed, std::vec
     const double finiteLimit = std::numeric_limits<double>::max();
     double largest = std::max(std::fabs(points[0].x()), std::fabs(points[0].y()));
     bool finite = largest <= finiteLimit;
-    Chain chain{0, 0, 0, EdgeSpan{}, 0};  // the chain being cut; count 0 before the first
-    EdgeSpan block{};                     // its last block, holding `inBlock` edges
-    std::size_t inBlock = 0;
-    const auto closeChain = [&] {
-        if (chain.count == 0) return;
-        chains.push_back(chain);
-        blocks.push_back(block);
-    };
+    std::size_t runFirst = 0;  // the chain being cut: edges [runFirst, runEnd)
+    std::size_t runEnd = 0;
+    int runDirection = 0;
     for (std::size_t k = 0; k < edges; ++k) {
         const xcVector<2>& a = points[edgeStartVertex(k, n, closed)];
         const xcVector<2>& b = points[edgeEndVertex(k, closed)];
@@ -224,30 +237,30 @@ bool cutIntoChains(const std::vector<xcVector<2>>& points, bool closed, std::vec
         largest = std::max(largest, endSize);
         if (xfRealEq(a, b, kExactTolerance)) continue;
         const int direction = b.x() > a.x() ? 1 : (b.x() < a.x() ? -1 : 0);
-        const EdgeSpan span{std::min(a.x(), b.x()), std::max(a.x(), b.x()), std::min(a.y(), b.y()),
-                            std::max(a.y(), b.y()), k};
-        if (chain.count > 0 && direction != 0 && chain.direction == direction &&
-            chain.first + chain.count == k) {
-            if (inBlock == kChainBlock) {
-                blocks.push_back(block);
-                block = span;
-                inBlock = 1;
-            } else {
-                grow(block, span);
-                ++inBlock;
-            }
-            ++chain.count;
-            grow(chain.box, span);
-        } else {
-            closeChain();
-            chain = Chain{k, 1, direction, span, blocks.size()};
-            block = span;
-            inBlock = 1;
+        if (direction != 0 && direction == runDirection && runEnd == k) {
+            runEnd = k + 1;
+            continue;
+        }
+        if (runEnd > runFirst) chains.push_back({runFirst, runEnd - runFirst, runDirection, {}, 0});
+        runFirst = k;
+        runEnd = k + 1;
+        runDirection = direction;
+    }
+    if (runEnd > runFirst) chains.push_back({runFirst, runEnd - runFirst, runDirection, {}, 0});
+    largestCoordinate = largest;
+    if (!finite) return false;
+    for (Chain& chain : chains) {
+        chain.firstBlock = blocks.size();
+        for (std::size_t done = 0; done < chain.count; done += kChainBlock) {
+            const std::size_t size = std::min(kChainBlock, chain.count - done);
+            blocks.push_back(chainPartSpan(points, closed, chain.first + done, size));
+            if (done == 0)
+                chain.box = blocks.back();
+            else
+                grow(chain.box, blocks.back());
         }
     }
-    closeChain();
-    largestCoordinate = largest;
-    return finite;
+    return true;
 }
 
 // Calls visit(a, b) for every a from the left of A and b of B whose x-ranges overlap (touching

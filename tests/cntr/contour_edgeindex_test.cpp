@@ -610,6 +610,35 @@ TEST(ContourEdgeIndex, SweepAgreesWithThePlainDefinitionOnSingleTouches) {
     EXPECT_LT(met, kShapes - kShapes / 10);
 }
 
+// Chains broken by repeated vertices (exact, and within 1e-15), by vertical edges and by ends
+// that come back onto the outline, open and closed, across many blocks.
+TEST(ContourEdgeIndex, SweepAgreesWithThePlainDefinitionAcrossRepeatsAndVerticalRuns) {
+    xcRandomUniform g(31);
+    int met = 0;
+    const int shapes = kShapes * 2;
+    for (int s = 0; s < shapes; ++s) {
+        const int n = 20 + static_cast<int>(g.next(0.0, 300.0));
+        const Points base = star(g, n, s % 2 == 0);
+        Points p;
+        for (const xcVector<2>& v : base) {
+            p.push_back(v);
+            const double pick = g.next(0.0, 1.0);
+            if (pick < 0.05) p.push_back(v);                                  // exact repeat
+            else if (pick < 0.08) p.push_back(v + xcVector<2>(1e-15, -1e-15));  // within 1e-15
+            else if (pick < 0.12) p.push_back(v + xcVector<2>(0.0, 0.5));       // vertical edge
+        }
+        if (s % 4 == 3) p.push_back(p[p.size() / 3]);  // back onto a vertex of the outline
+        const xcContour c(p, s % 3 != 2);
+        const bool plain = xcContourTestAccess::plainSelfIntersecting(c);
+        met += plain ? 1 : 0;
+        const std::optional<bool> swept = xcContourTestAccess::sweptSelfIntersecting(c);
+        ASSERT_TRUE(swept.has_value()) << "shape " << s;
+        EXPECT_EQ(*swept, plain) << "shape " << s;
+    }
+    EXPECT_GT(met, shapes / 10);
+    EXPECT_LT(met, shapes - shapes / 10);
+}
+
 TEST(ContourEdgeIndex, NonFiniteAndHugeCoordinatesKeepThePlainAnswers) {
     xcRandomUniform g(99);
     const double nan = std::numeric_limits<double>::quiet_NaN();
