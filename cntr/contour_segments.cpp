@@ -215,26 +215,31 @@ EdgeSpan chainPartSpan(const std::vector<xcVector<2>>& points, bool closed, std:
     return EdgeSpan{std::min(start.x(), endX), std::max(start.x(), endX), minY, maxY, first};
 }
 
+// The largest absolute coordinate of `points`; false when a coordinate is not finite (x - x is 0
+// for every finite x and NaN otherwise).
+bool largestFiniteCoordinate(const std::vector<xcVector<2>>& points, double& largest) {
+    double found = 0.0;
+    double check = 0.0;
+    for (const xcVector<2>& p : points) {
+        found = std::max(found, std::max(std::fabs(p.x()), std::fabs(p.y())));
+        check += (p.x() - p.x()) + (p.y() - p.y());
+    }
+    largest = found;
+    return check == 0.0;
+}
+
 // Cuts the non-degenerate edges (ends apart by more than kExactTolerance in x or y) into chains,
-// in edge order, in one pass that also finds the largest absolute coordinate of the vertices;
-// then gives each chain its blocks of kChainBlock edges and their extents. False, with nothing
-// cut to rely on, when a coordinate is not finite.
-bool cutIntoChains(const std::vector<xcVector<2>>& points, bool closed, std::vector<Chain>& chains,
-                   std::vector<EdgeSpan>& blocks, double& largestCoordinate) {
+// in edge order; then gives each chain its blocks of kChainBlock edges and their extents.
+void cutIntoChains(const std::vector<xcVector<2>>& points, bool closed, std::vector<Chain>& chains,
+                   std::vector<EdgeSpan>& blocks) {
     const std::size_t n = points.size();
     const std::size_t edges = closed ? n : n - 1;
-    const double finiteLimit = std::numeric_limits<double>::max();
-    double largest = std::max(std::fabs(points[0].x()), std::fabs(points[0].y()));
-    bool finite = largest <= finiteLimit;
     std::size_t runFirst = 0;  // the chain being cut: edges [runFirst, runEnd)
     std::size_t runEnd = 0;
     int runDirection = 0;
     for (std::size_t k = 0; k < edges; ++k) {
         const xcVector<2>& a = points[edgeStartVertex(k, n, closed)];
         const xcVector<2>& b = points[edgeEndVertex(k, closed)];
-        const double endSize = std::max(std::fabs(b.x()), std::fabs(b.y()));
-        finite = finite && endSize <= finiteLimit;
-        largest = std::max(largest, endSize);
         if (xfRealEq(a, b, kExactTolerance)) continue;
         const int direction = b.x() > a.x() ? 1 : (b.x() < a.x() ? -1 : 0);
         if (direction != 0 && direction == runDirection && runEnd == k) {
@@ -247,8 +252,6 @@ bool cutIntoChains(const std::vector<xcVector<2>>& points, bool closed, std::vec
         runDirection = direction;
     }
     if (runEnd > runFirst) chains.push_back({runFirst, runEnd - runFirst, runDirection, {}, 0});
-    largestCoordinate = largest;
-    if (!finite) return false;
     for (Chain& chain : chains) {
         chain.firstBlock = blocks.size();
         for (std::size_t done = 0; done < chain.count; done += kChainBlock) {
@@ -260,7 +263,6 @@ bool cutIntoChains(const std::vector<xcVector<2>>& points, bool closed, std::vec
                 grow(chain.box, blocks.back());
         }
     }
-    return true;
 }
 
 // Calls visit(a, b) for every a from the left of A and b of B whose x-ranges overlap (touching
@@ -649,7 +651,8 @@ std::optional<bool> xcContour::selfIntersectingSwept() const {
     std::vector<Chain> chains;
     std::vector<EdgeSpan> blocks;
     double largestCoordinate = 0.0;
-    if (!cutIntoChains(points_, closed, chains, blocks, largestCoordinate)) return std::nullopt;
+    if (!largestFiniteCoordinate(points_, largestCoordinate)) return std::nullopt;
+    cutIntoChains(points_, closed, chains, blocks);
     std::sort(chains.begin(), chains.end(),
               [](const Chain& a, const Chain& b) { return a.box.minX < b.box.minX; });
 
