@@ -203,26 +203,99 @@ std::vector<xcVector<2>> possibleHullVertices(const std::vector<xcVector<2>>& po
     return kept;
 }
 
-void monotoneChainHull(std::vector<xcVector<2>> sorted, std::vector<xcVector<2>>& hull);
+/// Above one run per this many points, the runs are too short to be worth merging.
+constexpr std::size_t kPointsPerRunToMerge = 16;
+
+bool hasNegativeZero(const std::vector<xcVector<2>>& points) {
+    for (const xcVector<2>& p : points)
+        if ((p.x() == 0.0 && std::signbit(p.x())) || (p.y() == 0.0 && std::signbit(p.y())))
+            return true;
+    return false;
+}
+
+// The ends of the runs of `points` in lexicographic order, each run turned to ascend: a run
+// ascends (never steps down) or strictly descends. Empty when there are more runs than the
+// merge is worth.
+std::vector<std::size_t> ascendingRuns(std::vector<xcVector<2>>& points) {
+    const LexicographicLess less;
+    const std::size_t n = points.size();
+    const std::size_t maxRuns = n / kPointsPerRunToMerge + 1;
+    std::vector<std::size_t> ends;
+    for (std::size_t i = 0; i < n;) {
+        std::size_t j = i + 1;
+        if (j < n && less(points[j], points[i])) {
+            while (j < n && less(points[j], points[j - 1])) ++j;
+            std::reverse(points.begin() + static_cast<std::ptrdiff_t>(i),
+                         points.begin() + static_cast<std::ptrdiff_t>(j));
+        } else {
+            while (j < n && !less(points[j], points[j - 1])) ++j;
+        }
+        ends.push_back(j);
+        if (ends.size() > maxRuns) return {};
+        i = j;
+    }
+    return ends;
+}
+
+// Sorts `points` lexicographically. Points taken along a contour come in long runs that rise or
+// fall in that order; merging the runs pairwise costs n log(runs) comparisons where a sort costs
+// n log n. Points that compare equal are equal in every bit unless a coordinate is -0 (equal to
+// 0): so the merge, like any sort, gives what std::sort gives, and -0 keeps std::sort.
+void sortLexicographically(std::vector<xcVector<2>>& points) {
+    std::vector<std::size_t> ends;
+    if (points.size() >= kInteriorFilterMinPoints && !hasNegativeZero(points))
+        ends = ascendingRuns(points);
+    if (ends.empty()) {
+        std::sort(points.begin(), points.end(), LexicographicLess());
+        return;
+    }
+    std::vector<xcVector<2>> other(points.size());
+    while (ends.size() > 1) {
+        std::vector<std::size_t> merged;
+        std::size_t begin = 0;
+        for (std::size_t r = 0; r < ends.size(); r += 2) {
+            const std::size_t middle = ends[r];
+            const std::size_t end = r + 1 < ends.size() ? ends[r + 1] : middle;
+            std::merge(points.begin() + static_cast<std::ptrdiff_t>(begin),
+                       points.begin() + static_cast<std::ptrdiff_t>(middle),
+                       points.begin() + static_cast<std::ptrdiff_t>(middle),
+                       points.begin() + static_cast<std::ptrdiff_t>(end),
+                       other.begin() + static_cast<std::ptrdiff_t>(begin), LexicographicLess());
+            merged.push_back(end);
+            begin = end;
+        }
+        points.swap(other);
+        ends.swap(merged);
+    }
+}
+
+enum class HullSort { plain, runs };
+
+void monotoneChainHull(std::vector<xcVector<2>> sorted, std::vector<xcVector<2>>& hull,
+                       HullSort sort);
 
 }  // namespace
 
 void xfConvexHull(const std::vector<xcVector<2>>& points, std::vector<xcVector<2>>& hull) {
     checkFinite(points);
-    monotoneChainHull(possibleHullVertices(points), hull);
+    monotoneChainHull(possibleHullVertices(points), hull, HullSort::runs);
 }
 
 void xn_hullDetail::convexHullOfEveryPoint(const std::vector<xcVector<2>>& points,
                                            std::vector<xcVector<2>>& hull) {
     checkFinite(points);
-    monotoneChainHull(points, hull);
+    monotoneChainHull(points, hull, HullSort::plain);
 }
 
 namespace {
 
 // Andrew's monotone chain over `sorted` (sorted here: it arrives in any order).
-void monotoneChainHull(std::vector<xcVector<2>> sorted, std::vector<xcVector<2>>& hull) {
-    std::sort(sorted.begin(), sorted.end(), LexicographicLess());
+void monotoneChainHull(std::vector<xcVector<2>> sorted, std::vector<xcVector<2>>& hull,
+                       HullSort sort) {
+    if (sort == HullSort::runs)
+        sortLexicographically(sorted);
+    else
+        std::sort(sorted.begin(), sorted.end(), LexicographicLess());
     sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
 
     std::vector<xcVector<2>> result;

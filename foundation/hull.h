@@ -16,13 +16,16 @@
 /// O(n log n) (monotone chain). Throws xcMathError::NotFinite when a coordinate is NaN or
 /// infinite; `hull` is then left unchanged.
 /// From 64 points on, the points strictly inside the octagon of the points extreme in eight
-/// directions (an exact test) are set aside before the sort: they cannot be hull vertices.
+/// directions (an exact test) are set aside before the sort: they cannot be hull vertices. The
+/// sort merges the runs in which the remaining points rise or fall (points along a contour come
+/// in few, long runs), when there are at most one per 16 points and no coordinate is -0;
+/// otherwise it sorts them outright.
 FOUNDATION_API void xfConvexHull(const std::vector<xcVector<2>>& points,
                                  std::vector<xcVector<2>>& hull);
 
 namespace xn_hullDetail {
-/// xfConvexHull without setting interior points aside: the reference the filtered hull is
-/// tested against. Same result, same exceptions.
+/// xfConvexHull without setting interior points aside and with an outright sort: the reference
+/// the filtered hull is tested against. Same result, same exceptions.
 FOUNDATION_API void convexHullOfEveryPoint(const std::vector<xcVector<2>>& points,
                                            std::vector<xcVector<2>>& hull);
 }  // namespace xn_hullDetail
