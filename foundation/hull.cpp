@@ -69,7 +69,8 @@ class Expansion {
 // are first scaled by one power of two so that the largest lies in [0.5, 1): the scaling is exact
 // and keeps every product clear of overflow; the result is exact as long as no nonzero scaled
 // coordinate is below 2^-450 (no product underflows).
-int exactOrientation(const xcVector<2>& a, const xcVector<2>& b, const xcVector<2>& c) {
+__attribute__((noinline)) int exactOrientation(const xcVector<2>& a, const xcVector<2>& b,
+                                               const xcVector<2>& c) {
     const double m = std::max({std::fabs(a.x()), std::fabs(a.y()), std::fabs(b.x()),
                                std::fabs(b.y()), std::fabs(c.x()), std::fabs(c.y())});
     if (m == 0.0)
@@ -100,7 +101,7 @@ int exactOrientation(const xcVector<2>& a, const xcVector<2>& b, const xcVector<
 // The sign of the orientation of (a, b, c): +1 counter-clockwise (y up), -1 clockwise, 0
 // collinear. A floating-point evaluation decides when its error bound allows; otherwise the exact
 // expansion does.
-int orientation(const xcVector<2>& a, const xcVector<2>& b, const xcVector<2>& c) {
+inline int orientation(const xcVector<2>& a, const xcVector<2>& b, const xcVector<2>& c) {
     const double acx = a.x() - c.x(), bcx = b.x() - c.x();
     const double acy = a.y() - c.y(), bcy = b.y() - c.y();
     const double left = acx * bcy;
@@ -237,6 +238,22 @@ std::vector<std::size_t> ascendingRuns(std::vector<xcVector<2>>& points) {
     return ends;
 }
 
+// Merges the ascending ranges [first, middle) and [middle, last) into [first, last), taking from
+// the first range on ties (as std::merge does). Only the first range is copied out, into
+// `buffer`: the output never overtakes the second range's next point.
+void mergeInPlace(xcVector<2>* first, xcVector<2>* middle, xcVector<2>* last,
+                  std::vector<xcVector<2>>& buffer) {
+    if (middle == last) return;
+    buffer.assign(first, middle);
+    const LexicographicLess less;
+    const xcVector<2>* a = buffer.data();
+    const xcVector<2>* const aEnd = a + buffer.size();
+    const xcVector<2>* b = middle;
+    xcVector<2>* out = first;
+    while (a != aEnd && b != last) *out++ = less(*b, *a) ? *b++ : *a++;
+    while (a != aEnd) *out++ = *a++;
+}
+
 // Sorts `points` lexicographically. Points taken along a contour come in long runs that rise or
 // fall in that order; merging the runs pairwise costs n log(runs) comparisons where a sort costs
 // n log n. Points that compare equal are equal in every bit unless a coordinate is -0 (equal to
@@ -249,22 +266,16 @@ void sortLexicographically(std::vector<xcVector<2>>& points) {
         std::sort(points.begin(), points.end(), LexicographicLess());
         return;
     }
-    std::vector<xcVector<2>> other(points.size());
+    std::vector<xcVector<2>> buffer;
     while (ends.size() > 1) {
         std::vector<std::size_t> merged;
         std::size_t begin = 0;
         for (std::size_t r = 0; r < ends.size(); r += 2) {
-            const std::size_t middle = ends[r];
-            const std::size_t end = r + 1 < ends.size() ? ends[r + 1] : middle;
-            std::merge(points.begin() + static_cast<std::ptrdiff_t>(begin),
-                       points.begin() + static_cast<std::ptrdiff_t>(middle),
-                       points.begin() + static_cast<std::ptrdiff_t>(middle),
-                       points.begin() + static_cast<std::ptrdiff_t>(end),
-                       other.begin() + static_cast<std::ptrdiff_t>(begin), LexicographicLess());
+            const std::size_t end = r + 1 < ends.size() ? ends[r + 1] : ends[r];
+            mergeInPlace(points.data() + begin, points.data() + ends[r], points.data() + end, buffer);
             merged.push_back(end);
             begin = end;
         }
-        points.swap(other);
         ends.swap(merged);
     }
 }
