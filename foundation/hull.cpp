@@ -176,13 +176,22 @@ std::vector<xcVector<2>> extremeOctagon(const std::vector<xcVector<2>>& points) 
     return octagon;
 }
 
-// Whether `p` lies strictly inside the convex counter-clockwise polygon `polygon` (exactly).
-bool strictlyInside(const std::vector<xcVector<2>>& polygon, const xcVector<2>& p) {
+// Whether `p` lies strictly inside the convex counter-clockwise polygon `polygon` (exactly):
+// strictly left of every side. Side `hint` is tried first and, when another side has `p` on its
+// right or on its line, becomes that side: points taken along a contour tend to lie outside the
+// same side as the point before.
+bool strictlyInside(const std::vector<xcVector<2>>& polygon, const xcVector<2>& p,
+                    std::size_t& hint) {
+    const auto leftOfSide = [&](std::size_t k) {
+        return orientation(polygon[k], polygon[k + 1 == polygon.size() ? 0 : k + 1], p) > 0;
+    };
+    if (!leftOfSide(hint))
+        return false;
     for (std::size_t k = 0; k < polygon.size(); ++k) {
-        const xcVector<2>& a = polygon[k];
-        const xcVector<2>& b = polygon[k + 1 == polygon.size() ? 0 : k + 1];
-        if (orientation(a, b, p) <= 0)
+        if (k != hint && !leftOfSide(k)) {
+            hint = k;
             return false;
+        }
     }
     return true;
 }
@@ -198,8 +207,9 @@ std::vector<xcVector<2>> possibleHullVertices(const std::vector<xcVector<2>>& po
         return points;
     std::vector<xcVector<2>> kept;
     kept.reserve(points.size());
+    std::size_t hint = 0;
     for (const xcVector<2>& p : points)
-        if (!strictlyInside(octagon, p))
+        if (!strictlyInside(octagon, p, hint))
             kept.push_back(p);
     return kept;
 }
@@ -254,6 +264,23 @@ void mergeInPlace(xcVector<2>* first, xcVector<2>* middle, xcVector<2>* last,
     while (a != aEnd) *out++ = *a++;
 }
 
+// The largest first range that the pairwise merges of the runs ending at `ends` copy out: the
+// buffer is allocated once.
+std::size_t largestFirstRun(std::vector<std::size_t> ends) {
+    std::size_t largest = 0;
+    while (ends.size() > 1) {
+        std::vector<std::size_t> merged;
+        std::size_t begin = 0;
+        for (std::size_t r = 0; r < ends.size(); r += 2) {
+            if (r + 1 < ends.size()) largest = std::max(largest, ends[r] - begin);
+            begin = r + 1 < ends.size() ? ends[r + 1] : ends[r];
+            merged.push_back(begin);
+        }
+        ends.swap(merged);
+    }
+    return largest;
+}
+
 // Sorts `points` lexicographically. Points taken along a contour come in long runs that rise or
 // fall in that order; merging the runs pairwise costs n log(runs) comparisons where a sort costs
 // n log n. Points that compare equal are equal in every bit unless a coordinate is -0 (equal to
@@ -267,6 +294,7 @@ void sortLexicographically(std::vector<xcVector<2>>& points) {
         return;
     }
     std::vector<xcVector<2>> buffer;
+    buffer.reserve(largestFirstRun(ends));
     while (ends.size() > 1) {
         std::vector<std::size_t> merged;
         std::size_t begin = 0;
