@@ -11,6 +11,7 @@
 
 #include "contour_access.h"
 #include "contour_testing.h"
+#include "within_relative.h"
 
 namespace {
 
@@ -384,19 +385,6 @@ TEST(ContourEncloseRect, NeedsTwoVertices) {
 }
 
 // ---- the interleaved length sum against the sum in edge order ----
-
-namespace {
-
-// |a - b| <= 1e-10 |b|, with NaN equal to NaN and infinities equal to themselves.
-bool withinRelative(double a, double b) {
-    if (std::isnan(a) || std::isnan(b))
-        return std::isnan(a) && std::isnan(b);
-    if (std::isinf(a) || std::isinf(b))
-        return a == b;
-    return std::fabs(a - b) <= 1e-10 * std::fabs(b);
-}
-
-}  // namespace
 
 TEST(ContourLength, InterleavedSumAgreesWithTheSumInEdgeOrder) {
     xcRandomUniform g(77);

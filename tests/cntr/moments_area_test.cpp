@@ -13,6 +13,7 @@
 #include <foundation/random.h>
 
 #include "moments_test_support.h"
+#include "within_relative.h"
 
 namespace {
 
@@ -103,15 +104,6 @@ TEST(MomentsArea, NanCoordinateGivesNan) {
 // ---- the interleaved area sum against the sum in edge order ----
 
 namespace {
-
-// |a - b| <= 1e-10 |b|, with NaN equal to NaN and infinities equal to themselves.
-bool withinRelative(double a, double b) {
-    if (std::isnan(a) || std::isnan(b))
-        return std::isnan(a) && std::isnan(b);
-    if (std::isinf(a) || std::isinf(b))
-        return a == b;
-    return std::fabs(a - b) <= 1e-10 * std::fabs(b);
-}
 
 bool sameBits(double a, double b) { return std::isnan(a) ? std::isnan(b) : a == b; }
 
