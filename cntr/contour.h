@@ -181,8 +181,9 @@ public:
     /// edge. Collinear overlapping edges are not detected. False without vertices (no check) and
     /// for a single vertex, whatever its coordinates. Cached. The result is that of querying
     /// every edge with the segment query (ends excluded); on contours of finite coordinates the
-    /// pairs of edges whose rectangles overlap are found by a sweep over the edge rectangles
-    /// sorted by x (n log n plus the overlapping pairs) instead of one query per edge.
+    /// pairs of edges whose rectangles overlap are found by a sweep over runs of edges along which
+    /// x strictly rises or falls, sorted by their left ends and walked together in blocks of 16
+    /// edges (n log n plus the overlapping pairs), instead of one query per edge.
     bool isSelfIntersecting() const;
     /// The indices of the vertices at a distance below `tolerance` from `point`, ordered by grid
     /// cell (column, then row) and then by index. One lookup grid of cells of side `tolerance`

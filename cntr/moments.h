@@ -60,9 +60,10 @@ class CNTR_API xc_InertiaData {
 /// edges, the same for either vertex order. Fewer than 3 points (an empty list too) give 0; a
 /// self-overlapping outline gives the net area (the lobes of a figure eight cancel). NaN
 /// coordinates give NaN. From 8 to 2^17 points, the cross products are added in four interleaved
-/// partial sums, which the processor adds in parallel, whenever a bound on the rounding (from
-/// the sum of their absolute values) shows the result within 1e-10 relative of the sum in edge
-/// order; otherwise, and for non-finite terms, they are added in edge order.
+/// partial sums, which the processor adds in parallel, when a sample of every 16th term
+/// predicts, and a bound on the rounding (from the sum of their absolute values) then shows,
+/// the result within 1e-10 relative of the sum in edge order; otherwise, and for non-finite
+/// terms, they are added in edge order.
 CNTR_API double xf_Area(const std::vector<xcVector<2>>& points);
 
 /// The unsigned area of the polygon of the edgelet positions; 0 for fewer than 3 edgelets.
