@@ -264,21 +264,22 @@ void mergeInPlace(xcVector<2>* first, xcVector<2>* middle, xcVector<2>* last,
     while (a != aEnd) *out++ = *a++;
 }
 
-// The largest first range that the pairwise merges of the runs ending at `ends` copy out: the
-// buffer is allocated once.
-std::size_t largestFirstRun(std::vector<std::size_t> ends) {
-    std::size_t largest = 0;
+// Calls merge(begin, middle, end) for each pair of neighbouring runs, pass after pass, until one
+// run is left; `ends` holds the ends of the runs. A last run without a partner comes as
+// (begin, end, end).
+template <class Merge>
+void forEachPairwiseMerge(std::vector<std::size_t> ends, Merge merge) {
     while (ends.size() > 1) {
         std::vector<std::size_t> merged;
         std::size_t begin = 0;
         for (std::size_t r = 0; r < ends.size(); r += 2) {
-            if (r + 1 < ends.size()) largest = std::max(largest, ends[r] - begin);
-            begin = r + 1 < ends.size() ? ends[r + 1] : ends[r];
-            merged.push_back(begin);
+            const std::size_t end = r + 1 < ends.size() ? ends[r + 1] : ends[r];
+            merge(begin, ends[r], end);
+            merged.push_back(end);
+            begin = end;
         }
         ends.swap(merged);
     }
-    return largest;
 }
 
 // Sorts `points` lexicographically. Points taken along a contour come in long runs that rise or
@@ -293,19 +294,16 @@ void sortLexicographically(std::vector<xcVector<2>>& points) {
         std::sort(points.begin(), points.end(), LexicographicLess());
         return;
     }
+    // The buffer is sized once, for the largest first range of any merge.
+    std::size_t largestFirst = 0;
+    forEachPairwiseMerge(ends, [&](std::size_t begin, std::size_t middle, std::size_t end) {
+        if (middle < end) largestFirst = std::max(largestFirst, middle - begin);
+    });
     std::vector<xcVector<2>> buffer;
-    buffer.reserve(largestFirstRun(ends));
-    while (ends.size() > 1) {
-        std::vector<std::size_t> merged;
-        std::size_t begin = 0;
-        for (std::size_t r = 0; r < ends.size(); r += 2) {
-            const std::size_t end = r + 1 < ends.size() ? ends[r + 1] : ends[r];
-            mergeInPlace(points.data() + begin, points.data() + ends[r], points.data() + end, buffer);
-            merged.push_back(end);
-            begin = end;
-        }
-        ends.swap(merged);
-    }
+    buffer.reserve(largestFirst);
+    forEachPairwiseMerge(ends, [&](std::size_t begin, std::size_t middle, std::size_t end) {
+        mergeInPlace(points.data() + begin, points.data() + middle, points.data() + end, buffer);
+    });
 }
 
 enum class HullSort { plain, runs };
