@@ -2,6 +2,10 @@
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <utility>
+#include <vector>
 
 #include <foundation/exception.h>
 #include <foundation/hull.h>
@@ -196,26 +200,23 @@ bool strictlyInside(const std::vector<xcVector<2>>& polygon, const xcVector<2>& 
     return true;
 }
 
-// The points that can be hull vertices: all but those strictly inside the octagon of extreme
-// points, which lie strictly inside the hull. The exact test never drops a point on the hull's
-// boundary, so the hull of what remains is the hull of all points, vertex for vertex.
-std::vector<xcVector<2>> possibleHullVertices(const std::vector<xcVector<2>>& points) {
-    if (points.size() < kInteriorFilterMinPoints)
-        return points;
-    const std::vector<xcVector<2>> octagon = extremeOctagon(points);
-    if (octagon.size() < 3)
-        return points;
-    std::vector<xcVector<2>> kept;
+// The points that can be hull vertices, as indices into `points` in their order: all but those
+// strictly inside the octagon of extreme points, which lie strictly inside the hull. The exact
+// test never drops a point on the hull's boundary, so the hull of what remains is the hull of all
+// points, vertex for vertex. Indices rather than copies: a quarter of the memory to fill.
+std::vector<std::uint32_t> possibleHullVertices(const std::vector<xcVector<2>>& points) {
+    std::vector<std::uint32_t> kept;
     kept.reserve(points.size());
+    const std::vector<xcVector<2>> octagon = extremeOctagon(points);
     std::size_t hint = 0;
-    for (const xcVector<2>& p : points)
-        if (!strictlyInside(octagon, p, hint))
-            kept.push_back(p);
+    for (std::size_t i = 0; i < points.size(); ++i)
+        if (octagon.size() < 3 || !strictlyInside(octagon, points[i], hint))
+            kept.push_back(static_cast<std::uint32_t>(i));
     return kept;
 }
 
-/// Above one run per this many points, the runs are too short to be worth merging.
-constexpr std::size_t kPointsPerRunToMerge = 16;
+/// Above one run per this many items, the runs are too short to be worth merging.
+constexpr std::size_t kItemsPerRunToMerge = 16;
 
 bool hasNegativeZero(const std::vector<xcVector<2>>& points) {
     for (const xcVector<2>& p : points)
@@ -224,22 +225,22 @@ bool hasNegativeZero(const std::vector<xcVector<2>>& points) {
     return false;
 }
 
-// The ends of the runs of `points` in lexicographic order, each run turned to ascend: a run
-// ascends (never steps down) or strictly descends. Empty when there are more runs than the
-// merge is worth.
-std::vector<std::size_t> ascendingRuns(std::vector<xcVector<2>>& points) {
-    const LexicographicLess less;
-    const std::size_t n = points.size();
-    const std::size_t maxRuns = n / kPointsPerRunToMerge + 1;
+// The ends of the runs of `items` in the order `less`, each run turned to ascend: a run ascends
+// (never steps down) or strictly descends. Empty when there are more runs than the merge is
+// worth (`items` is then a permutation of what it was).
+template <class T, class Less>
+std::vector<std::size_t> ascendingRuns(std::vector<T>& items, Less less) {
+    const std::size_t n = items.size();
+    const std::size_t maxRuns = n / kItemsPerRunToMerge + 1;
     std::vector<std::size_t> ends;
     for (std::size_t i = 0; i < n;) {
         std::size_t j = i + 1;
-        if (j < n && less(points[j], points[i])) {
-            while (j < n && less(points[j], points[j - 1])) ++j;
-            std::reverse(points.begin() + static_cast<std::ptrdiff_t>(i),
-                         points.begin() + static_cast<std::ptrdiff_t>(j));
+        if (j < n && less(items[j], items[i])) {
+            while (j < n && less(items[j], items[j - 1])) ++j;
+            std::reverse(items.begin() + static_cast<std::ptrdiff_t>(i),
+                         items.begin() + static_cast<std::ptrdiff_t>(j));
         } else {
-            while (j < n && !less(points[j], points[j - 1])) ++j;
+            while (j < n && !less(items[j], items[j - 1])) ++j;
         }
         ends.push_back(j);
         if (ends.size() > maxRuns) return {};
@@ -250,16 +251,15 @@ std::vector<std::size_t> ascendingRuns(std::vector<xcVector<2>>& points) {
 
 // Merges the ascending ranges [first, middle) and [middle, last) into [first, last), taking from
 // the first range on ties (as std::merge does). Only the first range is copied out, into
-// `buffer`: the output never overtakes the second range's next point.
-void mergeInPlace(xcVector<2>* first, xcVector<2>* middle, xcVector<2>* last,
-                  std::vector<xcVector<2>>& buffer) {
+// `buffer`: the output never overtakes the second range's next item.
+template <class T, class Less>
+void mergeInPlace(T* first, T* middle, T* last, std::vector<T>& buffer, Less less) {
     if (middle == last) return;
     buffer.assign(first, middle);
-    const LexicographicLess less;
-    const xcVector<2>* a = buffer.data();
-    const xcVector<2>* const aEnd = a + buffer.size();
-    const xcVector<2>* b = middle;
-    xcVector<2>* out = first;
+    const T* a = buffer.data();
+    const T* const aEnd = a + buffer.size();
+    const T* b = middle;
+    T* out = first;
     while (a != aEnd && b != last) *out++ = less(*b, *a) ? *b++ : *a++;
     while (a != aEnd) *out++ = *a++;
 }
@@ -282,16 +282,14 @@ void forEachPairwiseMerge(std::vector<std::size_t> ends, Merge merge) {
     }
 }
 
-// Sorts `points` lexicographically. Points taken along a contour come in long runs that rise or
-// fall in that order; merging the runs pairwise costs n log(runs) comparisons where a sort costs
-// n log n. Points that compare equal are equal in every bit unless a coordinate is -0 (equal to
-// 0): so the merge, like any sort, gives what std::sort gives, and -0 keeps std::sort.
-void sortLexicographically(std::vector<xcVector<2>>& points) {
-    std::vector<std::size_t> ends;
-    if (points.size() >= kInteriorFilterMinPoints && !hasNegativeZero(points))
-        ends = ascendingRuns(points);
+// Sorts `items` by `less`. Points taken along a contour come in long runs that rise or fall in
+// lexicographic order; merging the runs pairwise costs n log(runs) comparisons where a sort
+// costs n log n. When runs are too many, std::sort.
+template <class T, class Less>
+void sortByRuns(std::vector<T>& items, Less less) {
+    const std::vector<std::size_t> ends = ascendingRuns(items, less);
     if (ends.empty()) {
-        std::sort(points.begin(), points.end(), LexicographicLess());
+        std::sort(items.begin(), items.end(), less);
         return;
     }
     // The buffer is sized once, for the largest first range of any merge.
@@ -299,56 +297,79 @@ void sortLexicographically(std::vector<xcVector<2>>& points) {
     forEachPairwiseMerge(ends, [&](std::size_t begin, std::size_t middle, std::size_t end) {
         if (middle < end) largestFirst = std::max(largestFirst, middle - begin);
     });
-    std::vector<xcVector<2>> buffer;
+    std::vector<T> buffer;
     buffer.reserve(largestFirst);
     forEachPairwiseMerge(ends, [&](std::size_t begin, std::size_t middle, std::size_t end) {
-        mergeInPlace(points.data() + begin, points.data() + middle, points.data() + end, buffer);
+        mergeInPlace(items.data() + begin, items.data() + middle, items.data() + end, buffer, less);
     });
 }
 
-enum class HullSort { plain, runs };
+// Andrew's monotone chain over the `count` distinct points pointAt(0), ..., pointAt(count - 1),
+// given in lexicographic order: the lower chain left to right, then the upper chain right to
+// left.
+template <class PointAt>
+void chainHull(std::size_t count, PointAt pointAt, std::vector<xcVector<2>>& hull) {
+    std::vector<xcVector<2>> result;
+    if (count <= 2) {
+        for (std::size_t i = 0; i < count; ++i) result.push_back(pointAt(i));
+        hull = std::move(result);
+        return;
+    }
+    result.reserve(count + 1);
+    for (std::size_t i = 0; i < count; ++i)
+        extendChain(result, 0, pointAt(i));
+    const std::size_t upperStart = result.size() - 1;
+    for (std::size_t i = count - 1; i-- > 0;)
+        extendChain(result, upperStart, pointAt(i));
+    result.pop_back();  // the upper chain ends where the lower one began
+    hull = std::move(result);
+}
 
-void monotoneChainHull(std::vector<xcVector<2>> sorted, std::vector<xcVector<2>>& hull,
-                       HullSort sort);
+// The hull of every point: std::sort of the points themselves, then the chain.
+void hullBySort(std::vector<xcVector<2>> sorted, std::vector<xcVector<2>>& hull) {
+    std::sort(sorted.begin(), sorted.end(), LexicographicLess());
+    sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+    chainHull(sorted.size(), [&](std::size_t i) { return sorted[i]; }, hull);
+}
+
+// The hull through the indices of the points the octagon leaves, sorted by merging their runs.
+// Points that compare equal in the lexicographic order are equal in every bit unless a
+// coordinate is -0 (equal to 0), so, without -0, any way of sorting gives std::sort's sequence of
+// points and the hull of every point, bit for bit.
+void hullByIndices(const std::vector<xcVector<2>>& points, std::vector<xcVector<2>>& hull) {
+    std::vector<std::uint32_t> order = possibleHullVertices(points);
+    const auto less = [&points](std::uint32_t a, std::uint32_t b) {
+        return LexicographicLess()(points[a], points[b]);
+    };
+    sortByRuns(order, less);
+    order.erase(std::unique(order.begin(), order.end(),
+                            [&points](std::uint32_t a, std::uint32_t b) { return points[a] == points[b]; }),
+                order.end());
+    chainHull(order.size(), [&](std::size_t i) { return points[order[i]]; }, hull);
+}
 
 }  // namespace
 
 void xfConvexHull(const std::vector<xcVector<2>>& points, std::vector<xcVector<2>>& hull) {
     checkFinite(points);
-    monotoneChainHull(possibleHullVertices(points), hull, HullSort::runs);
+    // Small inputs (where the filter costs more than it saves) and inputs beyond 32-bit indices
+    // are sorted outright; with a -0 the points the filter keeps are.
+    if (points.size() < kInteriorFilterMinPoints ||
+        points.size() > std::numeric_limits<std::uint32_t>::max()) {
+        hullBySort(points, hull);
+        return;
+    }
+    if (hasNegativeZero(points)) {
+        std::vector<xcVector<2>> kept;
+        for (std::uint32_t i : possibleHullVertices(points)) kept.push_back(points[i]);
+        hullBySort(std::move(kept), hull);
+        return;
+    }
+    hullByIndices(points, hull);
 }
 
 void xn_hullDetail::convexHullOfEveryPoint(const std::vector<xcVector<2>>& points,
                                            std::vector<xcVector<2>>& hull) {
     checkFinite(points);
-    monotoneChainHull(points, hull, HullSort::plain);
+    hullBySort(points, hull);
 }
-
-namespace {
-
-// Andrew's monotone chain over `sorted` (sorted here: it arrives in any order).
-void monotoneChainHull(std::vector<xcVector<2>> sorted, std::vector<xcVector<2>>& hull,
-                       HullSort sort) {
-    if (sort == HullSort::runs)
-        sortLexicographically(sorted);
-    else
-        std::sort(sorted.begin(), sorted.end(), LexicographicLess());
-    sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
-
-    std::vector<xcVector<2>> result;
-    if (sorted.size() <= 2) {
-        hull = std::move(sorted);
-        return;
-    }
-    result.reserve(sorted.size() + 1);
-    // Andrew's monotone chain: the lower chain left to right, then the upper chain right to left.
-    for (const xcVector<2>& p : sorted)
-        extendChain(result, 0, p);
-    const std::size_t upperStart = result.size() - 1;
-    for (std::size_t i = sorted.size() - 1; i-- > 0;)
-        extendChain(result, upperStart, sorted[i]);
-    result.pop_back();  // the upper chain ends where the lower one began
-    hull = std::move(result);
-}
-
-}  // namespace

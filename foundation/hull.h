@@ -16,10 +16,11 @@
 /// O(n log n) (monotone chain). Throws xcMathError::NotFinite when a coordinate is NaN or
 /// infinite; `hull` is then left unchanged.
 /// From 64 points on, the points strictly inside the octagon of the points extreme in eight
-/// directions (an exact test) are set aside before the sort: they cannot be hull vertices. The
-/// sort merges the runs in which the remaining points rise or fall (points along a contour come
-/// in few, long runs), when there are at most one per 16 points and no coordinate is -0;
-/// otherwise it sorts them outright.
+/// directions (an exact test) are set aside before the sort: they cannot be hull vertices. Unless
+/// a coordinate is -0, the remaining points are sorted as 32-bit indices (a quarter of the
+/// memory of copies), by merging the runs in which they rise or fall (points along a contour
+/// come in few, long runs) when there are at most one run per 16 points, else outright. The
+/// work memory is at most 8 bytes per point besides the hull.
 FOUNDATION_API void xfConvexHull(const std::vector<xcVector<2>>& points,
                                  std::vector<xcVector<2>>& hull);
 
