@@ -19,8 +19,8 @@
 /// directions (an exact test) are set aside before the sort: they cannot be hull vertices. Unless
 /// a coordinate is -0, the remaining points are sorted as 32-bit indices (a quarter of the
 /// memory of copies), by merging the runs in which they rise or fall (points along a contour
-/// come in few, long runs) when there are at most one run per 16 points, else outright. The
-/// work memory is at most 8 bytes per point besides the hull.
+/// come in few, long runs) when there are at most one run per 16 points, else outright: the
+/// sort's work memory is at most 8 bytes per point.
 FOUNDATION_API void xfConvexHull(const std::vector<xcVector<2>>& points,
                                  std::vector<xcVector<2>>& hull);
 
