@@ -123,14 +123,14 @@ bool reorderingLikelyAdmissible(const std::vector<xcVector<2>>& p) {
 double fastUnsignedArea(const std::vector<xcVector<2>>& points) {
     const std::size_t n = points.size();
     if (n < 8 || n > kReorderedAreaMaxVertices || !reorderingLikelyAdmissible(points))
-        return unsignedArea(points, [](const xcVector<2>& p) { return p; });
+        return moments_detail::plainArea(points);
     double magnitude = 0.0;
     const double sum = interleavedCrossSum(points, magnitude);
     const double bound = 2.01 * static_cast<double>(n) * kUnitRoundoff * magnitude;
     const bool provablyClose = magnitude < 1e300 && std::isfinite(sum) &&
                                bound <= 0.99 * kReorderedAreaTolerance * (std::fabs(sum) - bound);
     if (!provablyClose)
-        return unsignedArea(points, [](const xcVector<2>& p) { return p; });
+        return moments_detail::plainArea(points);
     return std::fabs(sum / 2.0);
 }
 
