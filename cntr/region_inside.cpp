@@ -9,6 +9,7 @@
 #include <cntr/region.h>
 #include <cntr/region_detail.h>
 #include <cntr/tolerances.h>
+#include <foundation/runsort.h>
 
 using namespace xn_contourDetail;
 using namespace xn_regionDetail;
@@ -186,7 +187,14 @@ long xcRegion::insideCount(const xcVector<2>& point, bool bothWays, bool plain) 
                 return 1;
             angles.push_back(vertexAngle(vertex, point));
         }
-        std::sort(angles.begin(), angles.end());
+        // Seen from a point, the vertices of a smooth outline come in a few runs of rising or
+        // falling direction, which merge faster than they sort. Equal angles are equal in every
+        // bit but for the sign of a zero, which neither a gap nor a bisector sees, so the ray is
+        // the one of the outright sort.
+        if (plain)
+            std::sort(angles.begin(), angles.end());
+        else
+            xn_runSort::sortByRuns(angles, std::less<xcRadian>());
         direction = rayDirection(angles, threshold);
     }
 

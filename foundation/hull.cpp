@@ -9,6 +9,7 @@
 
 #include <foundation/exception.h>
 #include <foundation/hull.h>
+#include <foundation/runsort.h>
 
 namespace {
 
@@ -215,93 +216,11 @@ std::vector<std::uint32_t> possibleHullVertices(const std::vector<xcVector<2>>& 
     return kept;
 }
 
-/// Above one run per this many items, the runs are too short to be worth merging.
-constexpr std::size_t kItemsPerRunToMerge = 16;
-
 bool hasNegativeZero(const std::vector<xcVector<2>>& points) {
     for (const xcVector<2>& p : points)
         if ((p.x() == 0.0 && std::signbit(p.x())) || (p.y() == 0.0 && std::signbit(p.y())))
             return true;
     return false;
-}
-
-// The ends of the runs of `items` in the order `less`, each run turned to ascend: a run ascends
-// (never steps down) or strictly descends. Empty when there are more runs than the merge is
-// worth (`items` is then a permutation of what it was).
-template <class T, class Less>
-std::vector<std::size_t> ascendingRuns(std::vector<T>& items, Less less) {
-    const std::size_t n = items.size();
-    const std::size_t maxRuns = n / kItemsPerRunToMerge + 1;
-    std::vector<std::size_t> ends;
-    for (std::size_t i = 0; i < n;) {
-        std::size_t j = i + 1;
-        if (j < n && less(items[j], items[i])) {
-            while (j < n && less(items[j], items[j - 1])) ++j;
-            std::reverse(items.begin() + static_cast<std::ptrdiff_t>(i),
-                         items.begin() + static_cast<std::ptrdiff_t>(j));
-        } else {
-            while (j < n && !less(items[j], items[j - 1])) ++j;
-        }
-        ends.push_back(j);
-        if (ends.size() > maxRuns) return {};
-        i = j;
-    }
-    return ends;
-}
-
-// Merges the ascending ranges [first, middle) and [middle, last) into [first, last), taking from
-// the first range on ties (as std::merge does). Only the first range is copied out, into
-// `buffer`: the output never overtakes the second range's next item.
-template <class T, class Less>
-void mergeInPlace(T* first, T* middle, T* last, std::vector<T>& buffer, Less less) {
-    if (middle == last) return;
-    buffer.assign(first, middle);
-    const T* a = buffer.data();
-    const T* const aEnd = a + buffer.size();
-    const T* b = middle;
-    T* out = first;
-    while (a != aEnd && b != last) *out++ = less(*b, *a) ? *b++ : *a++;
-    while (a != aEnd) *out++ = *a++;
-}
-
-// Calls merge(begin, middle, end) for each pair of neighbouring runs, pass after pass, until one
-// run is left; `ends` holds the ends of the runs. A last run without a partner comes as
-// (begin, end, end).
-template <class Merge>
-void forEachPairwiseMerge(std::vector<std::size_t> ends, Merge merge) {
-    while (ends.size() > 1) {
-        std::vector<std::size_t> merged;
-        std::size_t begin = 0;
-        for (std::size_t r = 0; r < ends.size(); r += 2) {
-            const std::size_t end = r + 1 < ends.size() ? ends[r + 1] : ends[r];
-            merge(begin, ends[r], end);
-            merged.push_back(end);
-            begin = end;
-        }
-        ends.swap(merged);
-    }
-}
-
-// Sorts `items` by `less`. Points taken along a contour come in long runs that rise or fall in
-// lexicographic order; merging the runs pairwise costs n log(runs) comparisons where a sort
-// costs n log n. When runs are too many, std::sort.
-template <class T, class Less>
-void sortByRuns(std::vector<T>& items, Less less) {
-    const std::vector<std::size_t> ends = ascendingRuns(items, less);
-    if (ends.empty()) {
-        std::sort(items.begin(), items.end(), less);
-        return;
-    }
-    // The buffer is sized once, for the largest first range of any merge.
-    std::size_t largestFirst = 0;
-    forEachPairwiseMerge(ends, [&](std::size_t begin, std::size_t middle, std::size_t end) {
-        if (middle < end) largestFirst = std::max(largestFirst, middle - begin);
-    });
-    std::vector<T> buffer;
-    buffer.reserve(largestFirst);
-    forEachPairwiseMerge(ends, [&](std::size_t begin, std::size_t middle, std::size_t end) {
-        mergeInPlace(items.data() + begin, items.data() + middle, items.data() + end, buffer, less);
-    });
 }
 
 // Andrew's monotone chain over the `count` distinct points pointAt(0), ..., pointAt(count - 1),
@@ -341,7 +260,7 @@ void hullByIndices(const std::vector<xcVector<2>>& points, std::vector<xcVector<
     const auto less = [&points](std::uint32_t a, std::uint32_t b) {
         return LexicographicLess()(points[a], points[b]);
     };
-    sortByRuns(order, less);
+    xn_runSort::sortByRuns(order, less);
     order.erase(std::unique(order.begin(), order.end(),
                             [&points](std::uint32_t a, std::uint32_t b) { return points[a] == points[b]; }),
                 order.end());
