@@ -18,6 +18,10 @@ std::vector<xcVector<2>> positionsOf(const std::vector<xcEdgelet>& edgelets);
 /// relative); kept as the reference.
 CNTR_API double plainArea(const std::vector<xcVector<2>>& points);
 
+/// The centre of mass by the fan triangles one by one, which xnContour::centerOfMass computes
+/// two at a time with the same bits; kept as the reference.
+CNTR_API xcVector<2> plainCenterOfMass(const std::vector<xcVector<2>>& points);
+
 }  // namespace moments_detail
 
 #endif

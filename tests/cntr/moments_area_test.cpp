@@ -211,6 +211,100 @@ TEST(MomentsArea, NonFiniteAndHugeTermsGiveWhatTheEdgeOrderGives) {
     }
 }
 
+// ---- the paired fan triangles against the definition one by one ----
+
+namespace {
+
+enum class Outcome { value, singular, other };
+
+// The centre of mass by `f`, or how it failed.
+template <class F>
+Outcome centreBy(F f, const Points& p, xcVector<2>& out) {
+    try {
+        out = f(p);
+        return Outcome::value;
+    } catch (const xcMathError::Singular&) {
+        return Outcome::singular;
+    } catch (...) {
+        return Outcome::other;
+    }
+}
+
+// A polygon from the area families, or one with the cases the paired lanes leave to the
+// definition: a vertex at the origin (skipped triangles), a far thin sliver whose medians are
+// parallel, coordinates whose squares overflow or underflow, NaN and infinities.
+Points randomCentroidShape(xcRandomUniform& g, std::size_t n) {
+    Points p = randomAreaShape(g, n);
+    if (p.empty() || g.next(0.0, 1.0) < 0.7)
+        return p;
+    const auto at = static_cast<std::size_t>(g.next(0.0, static_cast<double>(p.size())));
+    switch (static_cast<int>(g.next(0.0, 6.0))) {
+        case 0:
+            p[at] = xcVector<2>();
+            break;
+        case 1:
+            p[at] = xcVector<2>(1e8, 0.0);
+            p.insert(p.begin() + static_cast<std::ptrdiff_t>(at) + 1, xcVector<2>(1e8, 1e-7));
+            break;
+        case 2:
+            p[at] = xcVector<2>(3e160, -2e160);
+            break;
+        case 3:
+            for (xcVector<2>& v : p) v = v * 1e-170;
+            break;
+        case 4:
+            p[at] = xcVector<2>(std::nan(""), 1.0);
+            break;
+        default:
+            p[at] = xcVector<2>(std::numeric_limits<double>::infinity(), 2.0);
+    }
+    return p;
+}
+
+}  // namespace
+
+TEST(MomentsCenterOfMass, PairedTrianglesGiveTheBitsOfTheDefinitionOneByOne) {
+    xcRandomUniform g(777);
+    int singular = 0;
+    for (int s = 0; s < 100000; ++s) {
+        const double pick = g.next(0.0, 1.0);
+        const auto n = static_cast<std::size_t>(pick < 0.7    ? g.next(1.0, 64.0)
+                                                : pick < 0.99 ? g.next(64.0, 1000.0)
+                                                              : g.next(1000.0, 20000.0));
+        const Points p = randomCentroidShape(g, n);
+        xcVector<2> paired, plain;
+        const Outcome fast = centreBy([](const Points& q) { return xnContour::centerOfMass(q); },
+                                      p, paired);
+        const Outcome reference = centreBy(moments_detail::plainCenterOfMass, p, plain);
+        ASSERT_EQ(fast, reference) << "shape " << s << " n " << p.size();
+        singular += reference == Outcome::singular ? 1 : 0;
+        if (reference == Outcome::value) {
+            ASSERT_TRUE(sameBits(paired.x(), plain.x()) && sameBits(paired.y(), plain.y()))
+                << "shape " << s << " n " << p.size() << ": (" << paired.x() << ", " << paired.y()
+                << ") vs (" << plain.x() << ", " << plain.y() << ")";
+        }
+    }
+    // The thin slivers do reach the parallel-median case.
+    EXPECT_GT(singular, 1000);
+}
+
+// Odd and even vertex counts from 3 up: the last edge of an odd count is taken on its own.
+TEST(MomentsCenterOfMass, PairedTrianglesCoverOddAndEvenCounts) {
+    for (int n = 3; n <= 12; ++n) {
+        Points p;
+        for (int i = 0; i < n; ++i)
+            p.emplace_back(5.0 + 2.0 * std::cos(2.0 * M_PI * i / n),
+                           -1.0 + std::sin(2.0 * M_PI * i / n));
+        const xcVector<2> c = xnContour::centerOfMass(p);
+        const xcVector<2> reference = moments_detail::plainCenterOfMass(p);
+        EXPECT_EQ(c.x(), reference.x()) << n;
+        EXPECT_EQ(c.y(), reference.y()) << n;
+        // A regular polygon's centroid is its centre.
+        EXPECT_NEAR(c.x(), 5.0, 1e-12) << n;
+        EXPECT_NEAR(c.y(), -1.0, 1e-12) << n;
+    }
+}
+
 TEST(MomentsCenterOfMass, UnitSquareBothOrientations) {
     expectVectorNear(xnContour::centerOfMass(rectangle(0, 0, 1, 1)), 0.5, 0.5);
     expectVectorNear(xnContour::centerOfMass(reversed(rectangle(0, 0, 1, 1))), 0.5, 0.5);
