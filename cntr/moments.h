@@ -80,6 +80,9 @@ namespace xnContour {
 /// not the mean of the points. Throws xcMathError::Singular when the two medians of a fan
 /// triangle are parallel within the foundation's line tolerance (only for extremely thin
 /// triangles). NaN coordinates give a NaN result.
+/// With SSE2 the triangles are taken two at a time, with the same operations in the same order
+/// and the sums in edge order, so the result has the same bits; a polygon with a triangle whose
+/// medians are parallel, or whose median lengths are 0 or not finite, is taken one by one.
 CNTR_API xcVector<2> centerOfMass(const std::vector<xcVector<2>>& points);
 
 }  // namespace xnContour

@@ -257,7 +257,10 @@ class CNTR_API xcRegion : public virtual xcContour {
     /// the edge-by-edge loop (the reference the indexed path is tested against); otherwise, on
     /// outlines with an edge index, the vertex near the point and the smallest angles are found
     /// through the index (falling back to the sort when no gap shows among the first angles)
-    /// and the crossings are counted through it, with the same result.
+    /// and the crossings are counted through it, with the same result. That sort merges the
+    /// runs in which the angles rise or fall along the outline when they are few (a smooth
+    /// outline seen from outside), else sorts outright; equal angles differ at most in the sign
+    /// of a zero, which no gap or bisector sees.
     long insideCount(const xcVector<2>& point, bool bothWays, bool plain = false) const;
     /// The walk engine of regularize (`full` false) and outerHull (`full` true), uncached: it
     /// assigns the walk's (or the outer loop's) region to `result`. Throws EmptyContour for
