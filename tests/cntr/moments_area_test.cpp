@@ -107,6 +107,14 @@ namespace {
 
 bool sameBits(double a, double b) { return std::isnan(a) ? std::isnan(b) : a == b; }
 
+// Mostly small polygons, some up to 1,000 vertices and one in a hundred up to 20,000.
+std::size_t randomShapeSize(xcRandomUniform& g) {
+    const double pick = g.next(0.0, 1.0);
+    return static_cast<std::size_t>(pick < 0.7    ? g.next(1.0, 64.0)
+                                    : pick < 0.99 ? g.next(64.0, 1000.0)
+                                                  : g.next(1000.0, 20000.0));
+}
+
 // A random polygon of one of several families: stars around their centre (every fan term of one
 // sign when the centre is the origin), stars far from the origin, free point clouds (crossing
 // edges, cancelling terms), integer grids (exact ties) and collinear runs; with repeated vertices.
@@ -160,10 +168,7 @@ TEST(MomentsArea, InterleavedSumAgreesWithTheSumInEdgeOrder) {
     int reordered = 0;
     int kept = 0;
     for (int s = 0; s < 100000; ++s) {
-        const double pick = g.next(0.0, 1.0);
-        const auto n = static_cast<std::size_t>(pick < 0.7    ? g.next(1.0, 64.0)
-                                                : pick < 0.99 ? g.next(64.0, 1000.0)
-                                                              : g.next(1000.0, 20000.0));
+        const std::size_t n = randomShapeSize(g);
         const Points p = randomAreaShape(g, n);
         const double plain = moments_detail::plainArea(p);
         const double area = xf_Area(p);
@@ -267,10 +272,7 @@ TEST(MomentsCenterOfMass, PairedTrianglesGiveTheBitsOfTheDefinitionOneByOne) {
     xcRandomUniform g(777);
     int singular = 0;
     for (int s = 0; s < 100000; ++s) {
-        const double pick = g.next(0.0, 1.0);
-        const auto n = static_cast<std::size_t>(pick < 0.7    ? g.next(1.0, 64.0)
-                                                : pick < 0.99 ? g.next(64.0, 1000.0)
-                                                              : g.next(1000.0, 20000.0));
+        const std::size_t n = randomShapeSize(g);
         const Points p = randomCentroidShape(g, n);
         xcVector<2> paired, plain;
         const Outcome fast = centreBy([](const Points& q) { return xnContour::centerOfMass(q); },
