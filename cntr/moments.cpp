@@ -305,16 +305,12 @@ xcVector<2> moments_detail::plainCenterOfMass(const std::vector<xcVector<2>>& po
 }
 
 xcVector<2> xnContour::centerOfMass(const std::vector<xcVector<2>>& points) {
-    if (points.size() <= 2)
-        return xcVector<2>();
-    CentroidSums sums;
 #if defined(__SSE2__)
-    if (!pairedCentroidSums(points, sums))
-        return moments_detail::plainCenterOfMass(points);
-#else
-    return moments_detail::plainCenterOfMass(points);
+    CentroidSums sums;
+    if (points.size() > 2 && pairedCentroidSums(points, sums))
+        return sums.centroid();
 #endif
-    return sums.centroid();
+    return moments_detail::plainCenterOfMass(points);
 }
 
 xcVector<2> xf_CenterOfMass(const std::vector<xcVector<2>>& points) {
