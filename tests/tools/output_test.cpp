@@ -121,9 +121,8 @@ mode_t fileTypeOf(const std::string& path) {
 bool isRoot() { return ::geteuid() == 0; }
 
 // Runs `f` in a child process as the unprivileged user and group 65534 (this process being
-// root) and returns the message of the InputError it throws ("" when none; "setuid failed"
-// when the change of user was refused).
-std::string inputErrorAsUnprivileged(const std::function<void()>& f) {
+// root) and returns what it returns ("setuid failed" when the change of user was refused).
+std::string resultAsUnprivileged(const std::function<std::string()>& f) {
     int fds[2];
     if (::pipe(fds) != 0)
         return "pipe failed";
@@ -134,7 +133,7 @@ std::string inputErrorAsUnprivileged(const std::function<void()>& f) {
         if (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0)
             message = "setuid failed";
         else
-            message = inputErrorOf(f);
+            message = f();
         const ssize_t written = ::write(fds[1], message.data(), message.size());
         ::_exit(written == static_cast<ssize_t>(message.size()) ? 0 : 1);
     }
@@ -147,6 +146,11 @@ std::string inputErrorAsUnprivileged(const std::function<void()>& f) {
     int status = 0;
     ::waitpid(child, &status, 0);
     return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? message : "child failed";
+}
+
+// The message of the InputError that `f` throws as the unprivileged user ("" when none).
+std::string inputErrorAsUnprivileged(const std::function<void()>& f) {
+    return resultAsUnprivileged([&f] { return inputErrorOf(f); });
 }
 
 // The scratch directory opened to every user, for the runs as the unprivileged user.
@@ -354,4 +358,27 @@ TEST(Output, ReadOnlyDirectoryRefusesAReplacementToo) {
     const std::string error = isRoot() ? inputErrorAsUnprivileged(attempt) : inputErrorOf(attempt);
     EXPECT_EQ(error, path + ": cannot write: Permission denied");
     EXPECT_EQ(readFile(path), "old");
+}
+
+TEST(Output, UnprivilegedUserWritesTheSameWays) {
+    // The cases that do not depend on permissions, run again as another user than root.
+    if (!isRoot())
+        GTEST_SKIP() << "not root: the other tests already ran as an unprivileged user";
+    ScratchDir dir;
+    openToEveryone(dir);
+    ASSERT_EQ(::symlink("made.txt", dir.file("dangling").c_str()), 0);
+    ASSERT_EQ(::symlink("/dev/null", dir.file("null").c_str()), 0);
+    ASSERT_EQ(::mkdir(dir.file("sub").c_str(), 0777), 0);
+    const std::string results = resultAsUnprivileged([&] {
+        std::string r;
+        for (const std::string& name :
+             {dir.file("new.txt"), dir.file("dangling"), dir.file("null"), std::string("/dev/null"),
+              std::string("/dev/full"), dir.file("sub")})
+            r += "[" + writeErrorOf(name, "content") + "]";
+        return r + readFile(dir.file("new.txt")) + "|" + readFile(dir.file("made.txt"));
+    });
+    EXPECT_EQ(results, "[][][][][/dev/full: cannot write: No space left on device][" +
+                           dir.file("sub") + ": cannot write: is a directory]content|content");
+    EXPECT_EQ(fileTypeOf(dir.file("dangling")), static_cast<mode_t>(S_IFLNK));
+    EXPECT_EQ(fileTypeOf("/dev/null"), static_cast<mode_t>(S_IFCHR));
 }

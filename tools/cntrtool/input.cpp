@@ -326,7 +326,6 @@ class OpenFile {
     ~OpenFile() { ::close(fd_); }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
-    int fd() const { return fd_; }
 
   private:
     int fd_;
