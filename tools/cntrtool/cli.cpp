@@ -58,7 +58,8 @@ const std::vector<CommandInfo>& commands() {
         {"unpack", Command::unpack, {}, true,
          "usage: cntrtool unpack FILE.xca -o OUT.json\n"
          "\n"
-         "Writes the shapes of an archive as the tool's JSON.\n"},
+         "Writes the shapes of an archive as the tool's JSON. Any other file is refused as not an\n"
+         "archive.\n"},
     };
     return list;
 }
