@@ -324,8 +324,23 @@ TEST(Output, ReadOnlyFileIsReplacedByRootOnly) {
     EXPECT_EQ(inputErrorAsUnprivileged([&] { prepareOutput(path); }),
               path + ": cannot write: Permission denied");
     EXPECT_EQ(readFile(path), "old");
-    // Root may write any file; the tool does not second-guess that.
+    // Root may write any file; the tool does not second-guess that. The replacement stays
+    // read-only.
     EXPECT_EQ(writeErrorOf(path, "new"), "");
+    EXPECT_EQ(readFile(path), "new");
+    struct stat info {};
+    ASSERT_EQ(::stat(path.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777, 0444u);
+}
+
+TEST(Output, ReplacementKeepsThePermissionsOfTheFileItReplaces) {
+    ScratchDir dir;
+    const std::string path = dir.write("script.sh", "old");
+    ASSERT_EQ(::chmod(path.c_str(), 0750), 0);
+    EXPECT_EQ(writeErrorOf(path, "new"), "");
+    struct stat info {};
+    ASSERT_EQ(::stat(path.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777, 0750u);
     EXPECT_EQ(readFile(path), "new");
 }
 

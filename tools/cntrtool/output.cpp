@@ -82,10 +82,18 @@ class TemporaryFile {
         return ::close(fd) == 0;
     }
     bool renameTo(const std::string& target) {
-        // mkstemp creates the file for the owner only; give it the usual permissions.
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        static_cast<void>(::chmod(name_.c_str(), 0666 & ~mask));
+        // mkstemp creates the file for the owner only: a replacement keeps the permissions of
+        // the file it replaces, a new file gets the usual ones.
+        struct stat replaced {};
+        mode_t mode = 0;
+        if (::stat(target.c_str(), &replaced) == 0 && S_ISREG(replaced.st_mode)) {
+            mode = replaced.st_mode & 07777;
+        } else {
+            mode = ::umask(0);
+            ::umask(mode);
+            mode = 0666 & ~mode;
+        }
+        static_cast<void>(::chmod(name_.c_str(), mode));
         kept_ = ::rename(name_.c_str(), target.c_str()) == 0;
         return kept_;
     }
