@@ -100,3 +100,25 @@ TEST(CommandLine, UnknownCommandIsRefused) {
 }
 
 TEST(CommandLine, Version) { EXPECT_EQ(parseCommandLine({"--version"}).command, Command::version); }
+
+TEST(CommandLine, MaxInputTakesAWholeNumberOfBytes) {
+    EXPECT_EQ(parseCommandLine({"measure", "x.json"}).maxInput, 4294967296u);
+    EXPECT_EQ(parseCommandLine({"measure", "x.json", "--max-input", "1000"}).maxInput, 1000u);
+    EXPECT_EQ(parseCommandLine({"pack", "x.json", "--max-input=7", "-o", "y"}).maxInput, 7u);
+    EXPECT_EQ(parseCommandLine({"check", "--max-input", "18446744073709551615", "x.json"}).maxInput,
+              18446744073709551615u);
+    const std::string see = "; see cntrtool measure --help";
+    for (const char* bad : {"0", "-1", "1e9", "12kB", "", "18446744073709551616"})
+        EXPECT_EQ(usageErrorOf({"measure", "x.json", "--max-input", bad}),
+                  std::string("--max-input needs a whole number of bytes from 1 up, not \"") +
+                      bad + "\"" + see)
+            << bad;
+    EXPECT_EQ(usageErrorOf({"measure", "x.json", "--max-input"}), "--max-input needs a value" + see);
+}
+
+TEST(CommandLine, HelpDescribesTheInputLimitAndStandardOutput) {
+    EXPECT_NE(cntrtool::helpText(Command::measure).find("--max-input BYTES"), std::string::npos);
+    EXPECT_NE(cntrtool::helpText(Command::repair).find("- writes to standard output"),
+              std::string::npos);
+    EXPECT_EQ(cntrtool::helpText(Command::check).find("standard output"), std::string::npos);
+}

@@ -1,6 +1,8 @@
 #include "cli.h"
 
 #include <algorithm>
+#include <cctype>
+#include <limits>
 
 #include "errors.h"
 
@@ -56,7 +58,8 @@ const std::vector<CommandInfo>& commands() {
         {"unpack", Command::unpack, {}, true,
          "usage: cntrtool unpack FILE.xca -o OUT.json\n"
          "\n"
-         "Writes the shapes of an archive as the tool's JSON.\n"},
+         "Writes the shapes of an archive as the tool's JSON. Any other file is refused as not an\n"
+         "archive.\n"},
     };
     return list;
 }
@@ -77,7 +80,21 @@ const char* const kOverview =
     "FILE is the tool's JSON (\"shapes\"), a COCO annotation file (\"annotations\") or an\n"
     "archive, told apart by content. `cntrtool COMMAND --help` describes one command.\n"
     "\n"
+    "OUT may be - for standard output. Every command takes --max-input BYTES (default\n"
+    "4294967296, 4 GiB): larger inputs are refused.\n"
+    "\n"
     "exit status: 0 ok, 1 problems found, 2 bad usage or bad input\n";
+
+const char* const kOutputHelp =
+    "\n"
+    "OUT is checked before the work starts. A regular file is replaced only once the whole\n"
+    "content is written; a symbolic link is written through (its final target is replaced); a\n"
+    "device or FIFO is written to as it is; - writes to standard output.\n";
+
+const char* const kInputLimitHelp =
+    "\n"
+    "--max-input BYTES  refuse an input larger than BYTES (default 4294967296, 4 GiB) before\n"
+    "                   reading it; a FIFO or device that has not ended by then is refused too.\n";
 
 const CommandInfo* findCommand(const std::string& name) {
     for (const CommandInfo& c : commands())
@@ -94,6 +111,41 @@ const CommandInfo* findCommand(Command command) {
 }
 
 bool isHelpFlag(const std::string& a) { return a == "--help" || a == "-h"; }
+
+// --max-input's value: a whole number of bytes, at least 1.
+std::uint64_t parseByteCount(const std::string& text, const std::string& seeHelp) {
+    const std::string refusal =
+        "--max-input needs a whole number of bytes from 1 up, not \"" + text + "\"" + seeHelp;
+    if (text.empty() || text.size() > 20)
+        throw UsageError(refusal);
+    std::uint64_t value = 0;
+    for (const char c : text) {
+        if (!std::isdigit(static_cast<unsigned char>(c)))
+            throw UsageError(refusal);
+        const std::uint64_t digit = static_cast<std::uint64_t>(c - '0');
+        if (value > (std::numeric_limits<std::uint64_t>::max() - digit) / 10)
+            throw UsageError(refusal);
+        value = value * 10 + digit;
+    }
+    if (value == 0)
+        throw UsageError(refusal);
+    return value;
+}
+
+// The value of an option given as "NAME VALUE" or "NAME=VALUE"; `i` moves past it.
+std::string optionValue(const std::vector<std::string>& args, std::size_t& i,
+                        const std::string& name, const std::string& seeHelp) {
+    const std::string& a = args[i];
+    if (a.size() > name.size() && a.compare(0, name.size() + 1, name + "=") == 0)
+        return a.substr(name.size() + 1);
+    if (i + 1 >= args.size())
+        throw UsageError(name + " needs a value" + seeHelp);
+    return args[++i];
+}
+
+bool isOption(const std::string& a, const std::string& name) {
+    return a == name || a.rfind(name + "=", 0) == 0;
+}
 
 void setFlag(Options& o, const std::string& flag) {
     if (flag == "--json")
@@ -134,6 +186,8 @@ Options parseCommandArgs(const CommandInfo& info, const std::vector<std::string>
             if (o.output.empty())
                 throw UsageError("the output file name is empty" + seeHelp);
             outputGiven = true;
+        } else if (!optionsEnded && isOption(a, "--max-input")) {
+            o.maxInput = parseByteCount(optionValue(args, i, "--max-input", seeHelp), seeHelp);
         } else if (!optionsEnded && a.size() > 1 && a[0] == '-') {
             const bool known = std::any_of(info.flags.begin(), info.flags.end(),
                                            [&a](const char* f) { return a == f; });
@@ -187,7 +241,9 @@ Options parseCommandLine(const std::vector<std::string>& args) {
 
 std::string helpText(Command command) {
     const CommandInfo* info = findCommand(command);
-    return info != nullptr ? info->help : kOverview;
+    if (info == nullptr)
+        return kOverview;
+    return std::string(info->help) + (info->needsOutput ? kOutputHelp : "") + kInputLimitHelp;
 }
 
 }  // namespace cntrtool
