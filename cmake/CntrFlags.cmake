@@ -8,8 +8,15 @@ target_compile_options(cntr_flags INTERFACE
     # contraction, and never fast-math.
     -ffp-contract=off -fno-fast-math)
 
+if(CNTR_SANITIZE AND CNTR_SANITIZE_THREAD)
+    message(FATAL_ERROR "the thread sanitizer does not combine with the address sanitizer")
+endif()
 if(CNTR_SANITIZE)
     set(_cntr_san -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+elseif(CNTR_SANITIZE_THREAD)
+    set(_cntr_san -fsanitize=thread -fno-omit-frame-pointer)
+endif()
+if(_cntr_san)
     target_compile_options(cntr_flags INTERFACE ${_cntr_san})
     target_link_options(cntr_flags INTERFACE ${_cntr_san})
 endif()
@@ -35,7 +42,7 @@ function(cntr_add_library name)
     add_library(cntr::${name} ALIAS ${name})
     target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
     target_link_libraries(${name} PRIVATE $<BUILD_INTERFACE:cntr_flags>)
-    if(NOT CNTR_SANITIZE)  # the sanitizer runtimes live in the executables
+    if(NOT CNTR_SANITIZE AND NOT CNTR_SANITIZE_THREAD)  # the sanitizer runtimes live in the executables
         target_link_options(${name} PRIVATE LINKER:--no-undefined)
     endif()
     set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION}

@@ -13,14 +13,16 @@
 #include <gtest/gtest.h>
 
 #include <cntr/region.h>
-#include <cntr/region_walk.h>
+#include <cntr/core/loops.h>
 #include <foundation/exception.h>
 #include <foundation/random.h>
 
 namespace {
 
 using Points = std::vector<xcVector<2>>;
-using xn_regionDetail::LoopSearch;
+
+// The two searches of the reduction: through the walk's grid, and the definition's.
+enum class LoopSearch { plain, indexed };
 
 #ifdef CNTR_TESTS_SANITIZED
 constexpr int kWalks = 300;
@@ -45,9 +47,8 @@ Outcome reduce(const Points& walk, LoopSearch search) {
     gAsserts = 0;
     const xcAssertHandler previous = xfSetAssertHandler(&countAssert);
     try {
-        xcRegion result;
-        xn_regionDetail::assignOuterLoop(walk, result, search);
-        o.points = result.points();
+        o.points = search == LoopSearch::indexed ? cntr::core::outerLoop(walk)
+                                                 : cntr::core::referenceOuterLoop(walk);
     } catch (const xcContourDefs::BadParams& e) {
         o.threw = true;
         o.what = "BadParams " + xfToUtf8(e.message());

@@ -11,21 +11,63 @@
 #include <memory>
 #include <utility>
 
-#include <cntr/contour_detail.h>
+#include <cntr/core/loops.h>
+
+#include <cntr/contourdefs.h>
 #include <cntr/core/box.h>
+#include <cntr/core/prepared_outline.h>
 #include <cntr/core/tolerances.h>
-#include <cntr/region_walk.h>
+#include <cntr/core/vertex_grid.h>
+#include <cntr/core/walk.h>
 #include <foundation/exception.h>
+
+namespace cntr::core {
 
 namespace {
 
-using namespace cntr::core;
 using Points = std::vector<xcVector<2>>;
-using Loops = std::vector<std::unique_ptr<xcRegion>>;
 
-std::unique_ptr<xcRegion> loopOf(const Points& points) {
-    return std::unique_ptr<xcRegion>(new xcRegion(points, xcContourDefs::keepOutline));
+// Calls `step` until it returns false (nothing changed). Each true return is one change; more
+// than `limit` changes mean the phase is not making the progress its bound assumes, and throw
+// BadParams("invalid contour") rather than run on.
+template <class Step>
+void repeatUntilStable(std::size_t limit, Step step) {
+    for (std::size_t changes = 0; step();)
+        if (++changes > limit)
+            throwInvalidContour();
 }
+
+// A loop of the walk: its vertices, prepared for the containment test, and their lookup grid
+// of the walk-vertex tolerance, built on first use. Its answers are those of a region of the
+// loop's vertices: inside() is the region's inside() without holes, vertexIndex() the contour's
+// vertexIndex(point, kWalkVertexTolerance), with the same EmptyContour for fewer than 2
+// vertices.
+class Loop {
+  public:
+    explicit Loop(Points points) : outline_(new PreparedOutline(std::move(points), true)) {}
+
+    const Points& points() const { return outline_->points(); }
+
+    std::vector<int> vertexIndex(const xcVector<2>& point) const {
+        if (points().size() < 2)
+            throw xcContourDefs::EmptyContour(std::wstring());
+        if (!grid_) {
+            grid_.reset(new VertexGrid{kWalkVertexTolerance, {}});
+            fillVertexGrid(*grid_, points());
+        }
+        return verticesNear(*grid_, points(), point);
+    }
+
+    bool inside(const xcVector<2>& point) const {
+        return outline_->crossingCount(point, false) % 2 == 1;
+    }
+
+  private:
+    std::unique_ptr<PreparedOutline> outline_;
+    mutable std::unique_ptr<VertexGrid> grid_;
+};
+
+using Loops = std::vector<Loop>;
 
 // Appends `count` vertices of `loop` to `out`, from index `first` on, wrapping around.
 template <class T>
@@ -43,11 +85,10 @@ void appendCyclic(std::vector<T>& out, const std::vector<T>& loop, std::size_t f
 // throws EmptyContour.
 bool cutAtRepeatedVertex(Loops& loops, std::size_t& from) {
     for (std::size_t r = from; r < loops.size(); ++r) {
-        const Points& v = loops[r]->points();
+        const Points& v = loops[r].points();
         const std::size_t c = v.size();
         for (std::size_t k = 0; k < c; ++k) {
-            for (int found :
-                 loops[r]->vertexIndex(v[k], kWalkVertexTolerance)) {
+            for (int found : loops[r].vertexIndex(v[k])) {
                 const std::size_t j = static_cast<std::size_t>(found);
                 if (j == k)
                     continue;
@@ -56,8 +97,8 @@ bool cutAtRepeatedVertex(Loops& loops, std::size_t& from) {
                 Points second;
                 appendCyclic(first, v, k, cut - k);
                 appendCyclic(second, v, cut, k + c - cut);
-                loops[r] = loopOf(first);
-                loops.push_back(loopOf(second));
+                loops[r] = Loop(first);
+                loops.emplace_back(second);
                 from = r;
                 return true;
             }
@@ -74,10 +115,10 @@ bool cutAtRepeatedVertex(Loops& loops, std::size_t& from) {
 template <class Dropped>
 bool dropInnerLoop(Loops& loops, std::size_t& from, Dropped dropped) {
     for (std::size_t i = from; i < loops.size(); ++i) {
-        const Points& v = loops[i]->points();
+        const Points& v = loops[i].points();
         const xcVector<2> mid = (v[0] + v[1]) / 2.0;
         for (std::size_t k = 0; k < loops.size(); ++k) {
-            if (k == i || !loops[k]->inside(mid, true))
+            if (k == i || !loops[k].inside(mid))
                 continue;
             std::swap(loops[i], loops.back());
             loops.pop_back();
@@ -91,27 +132,30 @@ bool dropInnerLoop(Loops& loops, std::size_t& from, Dropped dropped) {
 
 // The bounding box of each loop's vertices; a NaN coordinate takes no part (vertexIndex never
 // matches such a vertex either), so a loop of NaN vertices has an empty box.
-Box boxOf(const Points& v) { return Box::around(v.begin(), v.end()); }
+Box boxOf(const Points& v) {
+    return Box::around(v.begin(), v.end());
+}
 
 std::vector<Box> boxesOf(const Loops& loops) {
     std::vector<Box> boxes;
-    for (const std::unique_ptr<xcRegion>& loop : loops)
-        boxes.push_back(boxOf(loop->points()));
+    for (const Loop& loop : loops)
+        boxes.push_back(boxOf(loop.points()));
     return boxes;
 }
 
 // Whether no vertex inside one box can lie within the walk-vertex tolerance of a vertex inside
 // the other.
-bool apart(const Box& a, const Box& b) { return a.apart(b, kLoopsApartMargin); }
+bool apart(const Box& a, const Box& b) {
+    return a.apart(b, kLoopsApartMargin);
+}
 
 // Whether loop i's vertices (some vertex m) are found by loop k's vertexIndex: the first such
 // m, the first index q found, or false.
 bool firstSharedVertex(const Loops& loops, std::size_t i, std::size_t k, std::size_t& m,
                        std::size_t& q) {
-    const Points& vi = loops[i]->points();
+    const Points& vi = loops[i].points();
     for (m = 0; m < vi.size(); ++m) {
-        const std::vector<int> found =
-            loops[k]->vertexIndex(vi[m], kWalkVertexTolerance);
+        const std::vector<int> found = loops[k].vertexIndex(vi[m]);
         if (!found.empty()) {
             q = static_cast<std::size_t>(found.front());
             return true;
@@ -122,14 +166,14 @@ bool firstSharedVertex(const Loops& loops, std::size_t i, std::size_t k, std::si
 
 // Loop i becomes its own vertices from m on (one turn) followed by loop k's from q on; the last
 // loop takes loop k's place. `boxes` follows the loops.
-void joinLoops(Loops& loops, std::vector<Box>& boxes, std::size_t i, std::size_t k,
-               std::size_t m, std::size_t q) {
-    const Points& vi = loops[i]->points();
-    const Points& vk = loops[k]->points();
+void joinLoops(Loops& loops, std::vector<Box>& boxes, std::size_t i, std::size_t k, std::size_t m,
+               std::size_t q) {
+    const Points& vi = loops[i].points();
+    const Points& vk = loops[k].points();
     Points joined;
     appendCyclic(joined, vi, m, vi.size());
     appendCyclic(joined, vk, q, vk.size());
-    loops[i] = loopOf(joined);
+    loops[i] = Loop(joined);
     boxes[i].merge(boxes[k]);
     std::swap(loops[k], loops.back());
     std::swap(boxes[k], boxes.back());
@@ -170,15 +214,16 @@ bool joinTouchingLoopsPlain(Loops& loops, std::vector<Box>& boxes, std::size_t& 
 // lists included) and 16 per further neighbour, and the walk's grid while the lists are made.
 class WalkLoops {
   public:
-    explicit WalkLoops(const Points& walk) : walk_(walk), placeOf_(walk.size(), 0), posOf_(walk.size()) {
-        xn_contourDetail::VertexGrid grid;
+    explicit WalkLoops(const Points& walk)
+        : walk_(walk), placeOf_(walk.size(), 0), posOf_(walk.size()) {
+        VertexGrid grid;
         grid.tolerance = kWalkVertexTolerance;
-        xn_contourDetail::fillVertexGrid(grid, walk);
+        fillVertexGrid(grid, walk);
         firstPartner_.reserve(walk.size() + 1);
         const std::size_t limit = kPartnersPerPoint * walk.size() + kPartnerSlack;
         for (const xcVector<2>& p : walk) {
             firstPartner_.push_back(partners_.size());
-            xn_contourDetail::forEachVertexNear(grid, walk, p, [this](int cell, int id) {
+            forEachVertexNear(grid, walk, p, [this](int cell, int id) {
                 partners_.push_back({cell, static_cast<std::size_t>(id)});
             });
             if (partners_.size() > limit) {
@@ -188,7 +233,8 @@ class WalkLoops {
         }
         firstPartner_.push_back(partners_.size());
         loops_.emplace_back();
-        for (std::size_t id = 0; id < walk.size(); ++id) loops_[0].push_back(id);
+        for (std::size_t id = 0; id < walk.size(); ++id)
+            loops_[0].push_back(id);
         renumber(0);
     }
 
@@ -203,10 +249,12 @@ class WalkLoops {
     bool cutAtRepeatedVertex(std::size_t& from) {
         for (std::size_t r = from; r < loops_.size(); ++r) {
             const std::size_t c = loops_[r].size();
-            if (c < 2) throw xcContourDefs::EmptyContour(std::wstring());
+            if (c < 2)
+                throw xcContourDefs::EmptyContour(std::wstring());
             for (std::size_t k = 0; k < c; ++k) {
                 std::size_t j = 0;
-                if (!firstFoundIn(r, loops_[r][k], k, j)) continue;
+                if (!firstFoundIn(r, loops_[r][k], k, j))
+                    continue;
                 const std::size_t cut = j < k ? j + c : j;
                 std::vector<std::size_t> first;
                 std::vector<std::size_t> second;
@@ -223,19 +271,22 @@ class WalkLoops {
         return false;
     }
 
-    /// The loops as regions.
-    Loops regions() const {
+    /// The loops with their own vertices.
+    Loops toLoops() const {
         Loops loops;
-        for (std::size_t r = 0; r < loops_.size(); ++r) loops.push_back(loopOf(pointsOf(r)));
+        for (std::size_t r = 0; r < loops_.size(); ++r)
+            loops.emplace_back(pointsOf(r));
         return loops;
     }
 
     /// Follows dropInnerLoop: the last loop takes the place of loop i.
     void dropped(std::size_t i) {
-        for (std::size_t id : loops_[i]) placeOf_[id] = kNoLoop;
+        for (std::size_t id : loops_[i])
+            placeOf_[id] = kNoLoop;
         std::swap(loops_[i], loops_.back());
         loops_.pop_back();
-        if (i < loops_.size()) renumber(i);
+        if (i < loops_.size())
+            renumber(i);
     }
 
     /// joinTouchingLoopsPlain on these loops: for loop i, the first vertex m in loop order with a
@@ -250,7 +301,8 @@ class WalkLoops {
             for (std::size_t m = 0; m < vi.size(); ++m) {
                 for (std::size_t t = firstPartner_[vi[m]]; t < firstPartner_[vi[m] + 1]; ++t) {
                     const std::size_t k = placeOf_[partners_[t].id];
-                    if (k == kNoLoop || k <= i || k >= best || apart(boxes[i], boxes[k])) continue;
+                    if (k == kNoLoop || k <= i || k >= best || apart(boxes[i], boxes[k]))
+                        continue;
                     std::size_t q = 0;
                     firstFoundIn(k, vi[m], kNoLoop, q);
                     best = k;
@@ -258,7 +310,8 @@ class WalkLoops {
                     bestQ = q;
                 }
             }
-            if (best == kNoLoop) continue;
+            if (best == kNoLoop)
+                continue;
             join(i, best, bestM, bestQ);
             boxes[i].merge(boxes[best]);
             std::swap(boxes[best], boxes.back());
@@ -272,7 +325,8 @@ class WalkLoops {
     Points pointsOf(std::size_t r) const {
         Points points;
         points.reserve(loops_[r].size());
-        for (std::size_t id : loops_[r]) points.push_back(walk_[id]);
+        for (std::size_t id : loops_[r])
+            points.push_back(walk_[id]);
         return points;
     }
 
@@ -293,8 +347,10 @@ class WalkLoops {
         int bestCell = 0;
         for (std::size_t t = firstPartner_[id]; t < firstPartner_[id + 1]; ++t) {
             const Partner& p = partners_[t];
-            if (placeOf_[p.id] != r || posOf_[p.id] == skip) continue;
-            if (any && (p.cell > bestCell || (p.cell == bestCell && posOf_[p.id] >= found))) continue;
+            if (placeOf_[p.id] != r || posOf_[p.id] == skip)
+                continue;
+            if (any && (p.cell > bestCell || (p.cell == bestCell && posOf_[p.id] >= found)))
+                continue;
             any = true;
             bestCell = p.cell;
             found = posOf_[p.id];
@@ -313,7 +369,8 @@ class WalkLoops {
         renumber(i);
         std::swap(loops_[k], loops_.back());
         loops_.pop_back();
-        if (k < loops_.size()) renumber(k);
+        if (k < loops_.size())
+            renumber(k);
     }
 
     void renumber(std::size_t r) {
@@ -336,31 +393,28 @@ class WalkLoops {
 
 // Every change adds a loop (cut, each loop keeping a vertex at least) or removes one (drop,
 // join), so no phase can make more changes than the limits given to repeatUntilStable.
-void xn_regionDetail::assignOuterLoop(const Points& walk, xcRegion& result, LoopSearch search) {
-    std::unique_ptr<WalkLoops> indexed;
-    if (search == LoopSearch::indexed) {
-        indexed.reset(new WalkLoops(walk));
-        if (indexed->crowded()) indexed.reset();
-    }
-    if (!indexed) {
-        Loops loops;
-        loops.push_back(loopOf(walk));
-        std::size_t from = 0;
-        repeatUntilStable(walk.size(), [&] { return cutAtRepeatedVertex(loops, from); });
-        from = 0;
-        repeatUntilStable(loops.size(), [&] { return dropInnerLoop(loops, from, [](std::size_t) {}); });
-        std::vector<Box> boxes = boxesOf(loops);
-        from = 0;
-        repeatUntilStable(loops.size(), [&] { return joinTouchingLoopsPlain(loops, boxes, from); });
-        if (loops.size() != 1)
-            xstd_assert_(kAssertSource, kLoopsNotJoinedLine);
-        result = xcRegion(loops.front()->points(), xcContourDefs::keepOutline);
-        return;
-    }
-    WalkLoops& w = *indexed;
+std::vector<xcVector<2>> referenceOuterLoop(const Points& walk) {
+    Loops loops;
+    loops.emplace_back(walk);
+    std::size_t from = 0;
+    repeatUntilStable(walk.size(), [&] { return cutAtRepeatedVertex(loops, from); });
+    from = 0;
+    repeatUntilStable(loops.size(), [&] { return dropInnerLoop(loops, from, [](std::size_t) {}); });
+    std::vector<Box> boxes = boxesOf(loops);
+    from = 0;
+    repeatUntilStable(loops.size(), [&] { return joinTouchingLoopsPlain(loops, boxes, from); });
+    if (loops.size() != 1)
+        xstd_assert_(kLoopsAssertSource, kLoopsNotJoinedLine);
+    return loops.front().points();
+}
+
+std::vector<xcVector<2>> outerLoop(const Points& walk) {
+    WalkLoops w(walk);
+    if (w.crowded())
+        return referenceOuterLoop(walk);
     std::size_t from = 0;
     repeatUntilStable(walk.size(), [&] { return w.cutAtRepeatedVertex(from); });
-    Loops loops = w.regions();
+    Loops loops = w.toLoops();
     from = 0;
     repeatUntilStable(loops.size(), [&] {
         return dropInnerLoop(loops, from, [&w](std::size_t i) { w.dropped(i); });
@@ -369,6 +423,8 @@ void xn_regionDetail::assignOuterLoop(const Points& walk, xcRegion& result, Loop
     from = 0;
     repeatUntilStable(w.size(), [&] { return w.joinTouchingLoops(boxes, from); });
     if (w.size() != 1)
-        xstd_assert_(kAssertSource, kLoopsNotJoinedLine);
-    result = xcRegion(w.pointsOf(0), xcContourDefs::keepOutline);
+        xstd_assert_(kLoopsAssertSource, kLoopsNotJoinedLine);
+    return w.pointsOf(0);
 }
+
+}  // namespace cntr::core
