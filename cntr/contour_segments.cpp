@@ -48,10 +48,7 @@ const EdgeIndex* xcContour::edgeIndex() const {
 
 // The index where it serves the query (both ends within its coordinate limit), else null.
 const EdgeIndex* xcContour::indexFor(const xcLineSeg& seg) const {
-    const EdgeIndex* index = edgeIndex();
-    return index != nullptr && EdgeIndex::accepts(seg.p1()) && EdgeIndex::accepts(seg.p2())
-               ? index
-               : nullptr;
+    return indexServing(edgeIndex(), seg.p1(), seg.p2());
 }
 
 void xcContour::collectHits(const SegmentQuery& query, std::vector<SegmentHit>& hits) const {

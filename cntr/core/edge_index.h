@@ -137,6 +137,12 @@ class CNTR_API EdgeIndex {
     std::vector<std::vector<TurnedBox>> turned_;
 };
 
+/// `index` where it serves a segment query from a to b (both ends accepted), else null.
+inline const EdgeIndex* indexServing(const EdgeIndex* index, const xcVector<2>& a,
+                                     const xcVector<2>& b) {
+    return index != nullptr && EdgeIndex::accepts(a) && EdgeIndex::accepts(b) ? index : nullptr;
+}
+
 }  // namespace cntr::core
 
 #endif

@@ -33,10 +33,7 @@ const EdgeIndex* PreparedOutline::index() const {
 }
 
 const EdgeIndex* PreparedOutline::indexFor(const xcLineSeg& seg) const {
-    const EdgeIndex* built = index();
-    return built != nullptr && EdgeIndex::accepts(seg.p1()) && EdgeIndex::accepts(seg.p2())
-               ? built
-               : nullptr;
+    return indexServing(index(), seg.p1(), seg.p2());
 }
 
 std::size_t PreparedOutline::hitCount(const xcLineSeg& seg, bool includeEndTouches) const {

@@ -22,6 +22,8 @@
 #include <cntr/core/walk.h>
 #include <foundation/random.h>
 
+#include "core_shapes.h"
+
 namespace {
 
 using namespace cntr::core;
@@ -32,13 +34,7 @@ constexpr int kThreads = 8;
 // A closed blob of n vertices around (50, 50) with a seeded wobble, and a star whose spikes
 // alternate between two radii (its long edges cross the bounding boxes of many others).
 Points blob(int n, xcRandomUniform& g) {
-    Points p;
-    for (int i = 0; i < n; ++i) {
-        const double a = 2.0 * xcPi * i / n;
-        const double r = 40.0 + g.next(-2.0, 2.0);
-        p.emplace_back(50.0 + r * std::cos(a), 50.0 + r * std::sin(a));
-    }
-    return p;
+    return core_shapes::wobblyRing(n, 40.0, 2.0, g);
 }
 
 Points star(int n) {

@@ -10,6 +10,7 @@
 #include <foundation/random.h>
 
 #include "../region_access.h"
+#include "core_shapes.h"
 
 namespace {
 
@@ -21,16 +22,6 @@ struct RegionProbe : xcRegion {
     std::size_t hits(const xcLineSeg& s, bool touches) const { return hitCount(s, touches); }
     bool first(const xcLineSeg& s, xcVector<2>& p, int& e) const { return firstHitAlong(s, p, e); }
 };
-
-Points wobblyRing(int n, xcRandomUniform& g) {
-    Points p;
-    for (int i = 0; i < n; ++i) {
-        const double a = 2.0 * xcPi * i / n;
-        const double r = 30.0 + g.next(-10.0, 10.0);
-        p.emplace_back(50.0 + r * std::cos(a), 50.0 + r * std::sin(a));
-    }
-    return p;
-}
 
 TEST(CorePreparedOutline, SquareByHand) {
     const PreparedOutline square({{0, 0}, {4, 0}, {4, 4}, {0, 4}}, true);
@@ -57,7 +48,7 @@ TEST(CorePreparedOutline, FewerThanTwoVerticesAreEmpty) {
 TEST(CorePreparedOutline, AnswersAsTheRegionDoes) {
     xcRandomUniform g(99);
     for (const int n : {12, 40, 300, 2000}) {
-        const Points p = wobblyRing(n, g);
+        const Points p = core_shapes::wobblyRing(n, 30.0, 10.0, g);
         const PreparedOutline prepared(p, true);
         const RegionProbe region(p);
         EXPECT_EQ(prepared.index() != nullptr, n >= 32) << n;
