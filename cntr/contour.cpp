@@ -15,11 +15,6 @@ bool polygonCloses(const std::vector<xcVector<2>>& v) {
     return !v.empty() && xfRealEq(v.front(), v.back(), kExactTolerance);
 }
 
-template <class T>
-std::unique_ptr<T> deepCopy(const std::unique_ptr<T>& source) {
-    return source ? std::unique_ptr<T>(new T(*source)) : std::unique_ptr<T>();
-}
-
 void deleteGenerator(void* generator) { delete static_cast<xcRandomUniform*>(generator); }
 
 }  // namespace
@@ -49,41 +44,17 @@ xcContour::xcContour(const xcContour& other) : xcPersistent(), xcRepBase() { *th
 
 xcContour& xcContour::operator=(const xcContour& other) {
     if (&other == this) return *this;
-    // The owned memos are copied first, so that a failed allocation leaves this object as it was.
-    std::unique_ptr<RectMemo> rectMemo = deepCopy(other.rectMemo_);
-    std::unique_ptr<ExtremalVertexMemo> extremalMemo = deepCopy(other.extremalVertexMemo_);
-    std::unique_ptr<VertexGridCache> vertexGrids = deepCopy(other.vertexGrids_);
-
+    // The caches are copied first, so that a failed allocation leaves this object as it was.
+    ContourCaches caches(other.caches_);
     label_ = other.label_;
     closed_ = other.closed_;
     points_ = other.points_;
     cachedVectorSize_ = other.cachedVectorSize_;
-    meanPositionValid_ = other.meanPositionValid_;
-    meanPosition_ = other.meanPosition_;
-    lengthValid_ = other.lengthValid_;
-    length_ = other.length_;
-    convexHullValid_ = other.convexHullValid_;
-    convexHull_ = other.convexHull_;
-    rectMemo_ = std::move(rectMemo);
-    encloseCircleValid_ = other.encloseCircleValid_;
-    encloseCircles_ = other.encloseCircles_;
-    extremalVertexMemo_ = std::move(extremalMemo);
-    fitEllipseValid_ = other.fitEllipseValid_;
-    fittedEllipse_ = other.fittedEllipse_;
-    fitResidual_ = other.fitResidual_;
-    selfIntersecting_ = other.selfIntersecting_;
-    selfIntersectingValid_ = other.selfIntersectingValid_;
-    edgesValid_ = other.edgesValid_;
-    edges_ = other.edges_;
-    medianFeatureSizeValid_ = other.medianFeatureSizeValid_;
-    medianFeatureSize_ = other.medianFeatureSize_;
-    vertexGrids_ = std::move(vertexGrids);
-    edgeIndexTried_ = other.edgeIndexTried_;
-    edgeIndex_ = other.edgeIndex_;
+    caches_ = std::move(caches);
     return *this;
 }
 
-xcContour::~xcContour() { deletePointers(); }
+xcContour::~xcContour() = default;
 
 void xcContour::points(const std::vector<xcVector<2>>& v) {
     cleanCacheInfo();
@@ -141,53 +112,51 @@ void xcContour::makeDataConsistentWithPoints() { cleanCacheInfo(); }
 
 void xcContour::makePointsConsistentWithData() { cleanCacheInfo(); }
 
-void xcContour::deletePointers() const {
-    rectMemo_.reset();
-    extremalVertexMemo_.reset();
-    vertexGrids_.reset();
-    edgeIndex_.reset();
-    edgeIndexTried_ = false;
+void ContourCaches::reset() {
+    meanPosition.valid = false;
+    length.reset(0.0);
+    convexHull.valid = false;
+    rectMemo.reset();
+    encloseCircleValid.assign(2, false);
+    encloseCircles.resize(2, xcCircle());
+    extremalVertexMemo.reset();
+    fittedEllipse.valid = false;
+    fitResidual = 0.0;
+    selfIntersecting.valid = false;
+    edges.valid = false;
+    medianFeatureSize.reset(0.0);
+    vertexGrids.reset();
+    edgeIndexTried = false;
+    edgeIndex.reset();
 }
 
 void xcContour::cleanCacheInfo() {
     mutating();
-    deletePointers();
-    meanPositionValid_ = false;
-    lengthValid_ = false;
-    length_ = 0.0;
-    convexHullValid_ = false;
-    encloseCircleValid_.resize(0);
-    encloseCircleValid_.resize(2, false);
-    encloseCircles_.resize(2, xcCircle());
-    fitEllipseValid_ = false;
-    fitResidual_ = 0.0;
-    selfIntersectingValid_ = false;
-    edgesValid_ = false;
-    medianFeatureSizeValid_ = false;
-    medianFeatureSize_ = 0.0;
+    caches_.reset();
 }
 
 xcContour::CacheState xcContour::cacheState() const {
+    const ContourCaches& c = caches_;
     CacheState s;
-    s.meanPositionValid = meanPositionValid_;
-    s.lengthValid = lengthValid_;
-    s.length = length_;
-    s.convexHullValid = convexHullValid_;
-    s.convexHull = convexHull_.rep();
-    s.rectMemo = rectMemo_.get();
-    s.encloseCircleValid = encloseCircleValid_;
-    s.encloseCircleCount = encloseCircles_.size();
-    s.extremalVertexMemo = extremalVertexMemo_.get();
-    s.fitEllipseValid = fitEllipseValid_;
-    s.fitResidual = fitResidual_;
-    s.selfIntersectingValid = selfIntersectingValid_;
-    s.lineSegsValid = edgesValid_;
-    s.linesValid = edgesValid_;
-    s.rectsValid = edgesValid_;
-    s.edgeVectorSize = edges_.segs.size();
-    s.medianFeatureSizeValid = medianFeatureSizeValid_;
-    s.medianFeatureSize = medianFeatureSize_;
-    s.vertexGrids = vertexGrids_.get();
-    s.edgeIndex = edgeIndex_.get();
+    s.meanPositionValid = c.meanPosition.valid;
+    s.lengthValid = c.length.valid;
+    s.length = c.length.value;
+    s.convexHullValid = c.convexHull.valid;
+    s.convexHull = c.convexHull.value.rep();
+    s.rectMemo = c.rectMemo.get();
+    s.encloseCircleValid = c.encloseCircleValid;
+    s.encloseCircleCount = c.encloseCircles.size();
+    s.extremalVertexMemo = c.extremalVertexMemo.get();
+    s.fitEllipseValid = c.fittedEllipse.valid;
+    s.fitResidual = c.fitResidual;
+    s.selfIntersectingValid = c.selfIntersecting.valid;
+    s.lineSegsValid = c.edges.valid;
+    s.linesValid = c.edges.valid;
+    s.rectsValid = c.edges.valid;
+    s.edgeVectorSize = c.edges.value.segs.size();
+    s.medianFeatureSizeValid = c.medianFeatureSize.valid;
+    s.medianFeatureSize = c.medianFeatureSize.value;
+    s.vertexGrids = c.vertexGrids.get();
+    s.edgeIndex = c.edgeIndex.get();
     return s;
 }

@@ -36,6 +36,39 @@ template <>
 CNTR_API void drop<xcRegion>(const xcRegion* p);
 }  // namespace xn_handle_detail
 
+namespace xn_contourDetail {
+
+/// Every cached result of a contour. Copies carry them all (the memos deep-copied, the hull
+/// region and the immutable edge index shared); reset() is the contour's cleanCacheInfo().
+struct ContourCaches {
+    Cached<xcVector<2>> meanPosition;
+    Cached<double> length;
+    Cached<xcPtrHandle_const<xcRegion>> convexHull;
+    OwnedCache<RectMemo> rectMemo;
+    /// One flag and one circle per DiameterMode.
+    std::vector<bool> encloseCircleValid = std::vector<bool>(2, false);
+    std::vector<xcCircle> encloseCircles = std::vector<xcCircle>(2);
+    OwnedCache<ExtremalVertexMemo> extremalVertexMemo;
+    Cached<xcEllipse> fittedEllipse;
+    double fitResidual = 0.0;
+    Cached<bool> selfIntersecting;
+    /// The edge cache: segments, lines, rectangles and validity flags, built together.
+    Cached<EdgeTable> edges;
+    Cached<double> medianFeatureSize;
+    OwnedCache<VertexGridCache> vertexGrids;
+    /// The edge index (under 12 bytes per edge) and whether building it was tried.
+    bool edgeIndexTried = false;
+    std::shared_ptr<const cntr::core::EdgeIndex> edgeIndex;
+
+    /// Drops every cached result: the memos, the vertex grids and the edge index are deleted;
+    /// every flag is cleared; the length, the median and the fit residual are set to 0; the
+    /// circle vectors keep 2 entries (the circles stay); the mean position, the hull handle, the
+    /// fitted ellipse, the self-intersection value and the edge vectors stay until replaced.
+    void reset();
+};
+
+}  // namespace xn_contourDetail
+
 /// An ordered list of 2-D vertices, open (a polyline from the first to the last vertex) or
 /// closed (the last vertex joins the first), with a user label.
 ///
@@ -312,7 +345,6 @@ private:
     static xcPersistent* make();
     static xc_Instantiator sExemplar;
 
-    void deletePointers() const;
     xcRect rectOf(const xcXform<2>& xform) const;
     xcCircle circleOf(xcContourDefs::DiameterMode mode) const;
     std::vector<xcVector<2>> hitsAlong(const xcLineSeg& seg, std::vector<int>& edgeIndices,
@@ -330,31 +362,7 @@ private:
     bool closed_ = true;
     std::vector<xcVector<2>> points_;
     long cachedVectorSize_ = 3;
-    mutable bool meanPositionValid_ = false;
-    mutable xcVector<2> meanPosition_;
-    mutable bool lengthValid_ = false;
-    mutable double length_ = 0.0;
-    mutable bool convexHullValid_ = false;
-    mutable xcPtrHandle_const<xcRegion> convexHull_;
-    mutable std::unique_ptr<xn_contourDetail::RectMemo> rectMemo_;
-    mutable std::vector<bool> encloseCircleValid_;
-    mutable std::vector<xcCircle> encloseCircles_;
-    mutable std::unique_ptr<xn_contourDetail::ExtremalVertexMemo> extremalVertexMemo_;
-    mutable bool fitEllipseValid_ = false;
-    mutable xcEllipse fittedEllipse_;
-    mutable double fitResidual_ = 0.0;
-    mutable bool selfIntersecting_ = false;
-    mutable bool selfIntersectingValid_ = false;
-    // The edge cache: segments, lines, rectangles and validity flags, built together.
-    mutable bool edgesValid_ = false;
-    mutable xn_contourDetail::EdgeTable edges_;
-    mutable bool medianFeatureSizeValid_ = false;
-    mutable double medianFeatureSize_ = 0.0;
-    mutable std::unique_ptr<xn_contourDetail::VertexGridCache> vertexGrids_;
-    // The edge index (under 12 bytes per edge; immutable, so copies share it) and whether
-    // building it was tried since the last change.
-    mutable bool edgeIndexTried_ = false;
-    mutable std::shared_ptr<const cntr::core::EdgeIndex> edgeIndex_;
+    mutable xn_contourDetail::ContourCaches caches_;
 };
 
 #endif

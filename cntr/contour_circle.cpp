@@ -13,15 +13,15 @@ xcCircle xcContour::circleOf(xcContourDefs::DiameterMode mode) const {
     if (mode != xcContourDefs::furthestVertexPair && mode != xcContourDefs::fromFirstVertex)
         throw xcContourDefs::BadParams(L"diameterMode is not one of the valid enums");
     const std::size_t slot = static_cast<std::size_t>(mode);
-    if (encloseCircleValid_.size() < slot + 1)
-        encloseCircleValid_.resize(slot + 1, false);
-    if (encloseCircles_.size() < slot + 1)
-        encloseCircles_.resize(slot + 1, xcCircle());
-    if (!encloseCircleValid_[slot]) {
-        encloseCircles_[slot] = mode == xcContourDefs::furthestVertexPair
+    if (caches_.encloseCircleValid.size() < slot + 1)
+        caches_.encloseCircleValid.resize(slot + 1, false);
+    if (caches_.encloseCircles.size() < slot + 1)
+        caches_.encloseCircles.resize(slot + 1, xcCircle());
+    if (!caches_.encloseCircleValid[slot]) {
+        caches_.encloseCircles[slot] = mode == xcContourDefs::furthestVertexPair
                                     ? furthestPairCircle(OutlineView(points_, isClosed()))
                                     : fromFirstVertexCircle(OutlineView(points_, isClosed()));
-        encloseCircleValid_[slot] = true;
+        caches_.encloseCircleValid[slot] = true;
     }
-    return encloseCircles_[slot];
+    return caches_.encloseCircles[slot];
 }

@@ -55,17 +55,17 @@ class DirectionScore {
 double xcContour::length() const {
     if (points_.empty())
         return 0.0;
-    if (lengthValid_)
-        return length_;
-    length_ = outlineLength(OutlineView(points_, isClosed()));
-    lengthValid_ = true;
-    return length_;
+    if (caches_.length.valid)
+        return caches_.length.value;
+    caches_.length.value = outlineLength(OutlineView(points_, isClosed()));
+    caches_.length.valid = true;
+    return caches_.length.value;
 }
 
 xcVector<2> xcContour::meanPosition() {
     checkEmptyContour();
-    if (meanPositionValid_)
-        return meanPosition_;
+    if (caches_.meanPosition.valid)
+        return caches_.meanPosition.value;
     xcVector<2> sum;
     double total = 0.0;
     forEachEdge(points_.size(), isClosed(), [&](std::size_t, std::size_t a, std::size_t b) {
@@ -73,17 +73,16 @@ xcVector<2> xcContour::meanPosition() {
         total += d;
         sum += d * (points_[a] + points_[b]) / 2.0;
     });
-    meanPosition_ = sum / total;
-    meanPositionValid_ = true;
-    return meanPosition_;
+    caches_.meanPosition.value = sum / total;
+    caches_.meanPosition.valid = true;
+    return caches_.meanPosition.value;
 }
 
 long xcContour::extremalVertexIndex(const xcRadian& angle) const {
     checkEmptyContour();
-    if (!extremalVertexMemo_)
-        extremalVertexMemo_.reset(new ExtremalVertexMemo);
-    const auto found = extremalVertexMemo_->find(angle);
-    if (found != extremalVertexMemo_->end())
+    ExtremalVertexMemo& memo = caches_.extremalVertexMemo.make();
+    const auto found = memo.find(angle);
+    if (found != memo.end())
         return found->second;
 
     const DirectionScore score(angle);
@@ -96,7 +95,7 @@ long xcContour::extremalVertexIndex(const xcRadian& angle) const {
             index = static_cast<long>(i);
         }
     }
-    memoStore(extremalVertexMemo_, angle, index, cachedVectorSize_);
+    memoStore(caches_.extremalVertexMemo.pointer(), angle, index, cachedVectorSize_);
     return index;
 }
 
@@ -117,10 +116,9 @@ xcRect xcContour::encloseRect(const xcXform<2>& xform) {
 
 xcRect xcContour::rectOf(const xcXform<2>& xform) const {
     checkEmptyContour();
-    if (!rectMemo_)
-        rectMemo_.reset(new RectMemo);
-    const auto found = rectMemo_->find(xform);
-    if (found != rectMemo_->end())
+    RectMemo& memo = caches_.rectMemo.make();
+    const auto found = memo.find(xform);
+    if (found != memo.end())
         return found->second;
 
     const bool identity = xfRealEq(xform, xcXform<2>::I, kExactTolerance);
@@ -128,6 +126,6 @@ xcRect xcContour::rectOf(const xcXform<2>& xform) const {
     xcRect box(mapped(points_[0]), xcVector<2>());
     for (std::size_t i = 1; i < points_.size(); ++i)
         box = box.enclose(xcRect::at(mapped(points_[i])));
-    memoStore(rectMemo_, xform, box, cachedVectorSize_);
+    memoStore(caches_.rectMemo.pointer(), xform, box, cachedVectorSize_);
     return box;
 }

@@ -6,29 +6,29 @@
 
 void xcContour::convexHull(xcRegion& hull) const {
     checkEmptyContour();
-    if (!convexHullValid_) {
+    if (!caches_.convexHull.valid) {
         std::vector<xcVector<2>> hullPoints;
         xfConvexHull(points_, hullPoints);
-        convexHull_ =
+        caches_.convexHull.value =
             xcPtrHandle_const<xcRegion>(new xcRegion(hullPoints, xcContourDefs::keepOutline));
-        convexHullValid_ = true;
+        caches_.convexHull.valid = true;
     }
     // Held during the assignment: when `hull` is this contour (a region asked for its own hull),
     // the assignment replaces the handle that keeps the hull region alive.
-    const xcPtrHandle_const<xcRegion> cached = convexHull_;
+    const xcPtrHandle_const<xcRegion> cached = caches_.convexHull.value;
     hull = *cached;
 }
 
 void xcContour::fitEllipse(xcEllipse& ellipse, double& rms) const {
     checkEmptyContour();
-    if (!fitEllipseValid_) {
+    if (!caches_.fittedEllipse.valid) {
         xcEllipse fitted;
         double residual = 0.0;
         xf_FitEllipse(points_, fitted, residual);
-        fittedEllipse_ = fitted;
-        fitResidual_ = residual;
-        fitEllipseValid_ = true;
+        caches_.fittedEllipse.value = fitted;
+        caches_.fitResidual = residual;
+        caches_.fittedEllipse.valid = true;
     }
-    ellipse = fittedEllipse_;
-    rms = fitResidual_;
+    ellipse = caches_.fittedEllipse.value;
+    rms = caches_.fitResidual;
 }

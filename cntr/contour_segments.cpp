@@ -11,20 +11,20 @@ using namespace xn_contourDetail;
 using namespace cntr::core;
 
 void xcContour::computeLineSegs() const {
-    if (edgesValid_)
+    if (caches_.edges.valid)
         return;
-    fillEdgeTable(OutlineView(points_, isClosed()), edges_);
-    edgesValid_ = true;
+    fillEdgeTable(OutlineView(points_, isClosed()), caches_.edges.value);
+    caches_.edges.valid = true;
 }
 
 const std::vector<xcLineSeg>& xcContour::lineSegs() const {
     computeLineSegs();
-    return edges_.segs;
+    return caches_.edges.value.segs;
 }
 
 const std::vector<bool>& xcContour::validLine() const {
     computeLineSegs();
-    return edges_.valid;
+    return caches_.edges.value.valid;
 }
 
 std::vector<xcVector<2>> xcContour::intersections(const xcLineSeg& seg,
@@ -39,11 +39,11 @@ std::vector<xcVector<2>> xcContour::intersections(const xcLineSeg& seg, bool inc
 }
 
 const EdgeIndex* xcContour::edgeIndex() const {
-    if (!edgeIndexTried_) {
-        edgeIndex_ = EdgeIndex::build(OutlineView(points_, isClosed()));
-        edgeIndexTried_ = true;
+    if (!caches_.edgeIndexTried) {
+        caches_.edgeIndex = EdgeIndex::build(OutlineView(points_, isClosed()));
+        caches_.edgeIndexTried = true;
     }
-    return edgeIndex_.get();
+    return caches_.edgeIndex.get();
 }
 
 // The index where it serves the query (both ends within its coordinate limit), else null.
@@ -59,7 +59,7 @@ void xcContour::collectHits(const SegmentQuery& query, std::vector<SegmentHit>& 
         return;
     }
     computeLineSegs();
-    referenceSegmentHits(edges_, query, hits);
+    referenceSegmentHits(caches_.edges.value, query, hits);
 }
 
 bool xcContour::firstHitAlong(const xcLineSeg& seg, xcVector<2>& point, int& edge) const {
@@ -73,7 +73,7 @@ bool xcContour::firstHitAlong(const xcLineSeg& seg, xcVector<2>& point, int& edg
         found = firstIndexedHit(OutlineView(points_, isClosed()), *index, query, first);
     } else {
         computeLineSegs();
-        found = referenceFirstHit(edges_, query, first);
+        found = referenceFirstHit(caches_.edges.value, query, first);
     }
     if (found) {
         point = first.point;
@@ -124,28 +124,28 @@ std::vector<xcVector<2>> xcContour::intersections(const xcContour& other) {
 bool xcContour::isSelfIntersecting() const {
     if (points_.empty())
         return false;
-    if (selfIntersectingValid_)
-        return selfIntersecting_;
+    if (caches_.selfIntersecting.valid)
+        return caches_.selfIntersecting.value;
     const OutlineView outline(points_, isClosed());
     const std::optional<bool> swept = selfIntersectingSwept(outline);
     if (swept) {
-        selfIntersecting_ = *swept;
+        caches_.selfIntersecting.value = *swept;
     } else {
         computeLineSegs();
         // One vertex has a single edge, which meets nothing.
-        selfIntersecting_ =
-            points_.size() >= 2 && referenceSelfIntersecting(edges_, rectOf(xcXform<2>::I));
+        caches_.selfIntersecting.value =
+            points_.size() >= 2 && referenceSelfIntersecting(caches_.edges.value, rectOf(xcXform<2>::I));
     }
-    selfIntersectingValid_ = true;
-    return selfIntersecting_;
+    caches_.selfIntersecting.valid = true;
+    return caches_.selfIntersecting.value;
 }
 
 double xcContour::medianFeatureSize() const {
     checkEmptyContour();
-    if (medianFeatureSizeValid_)
-        return medianFeatureSize_;
+    if (caches_.medianFeatureSize.valid)
+        return caches_.medianFeatureSize.value;
     computeLineSegs();
-    medianFeatureSize_ = medianEdgeLength(edges_);  // at least one edge: 2 vertices or more
-    medianFeatureSizeValid_ = true;
-    return medianFeatureSize_;
+    caches_.medianFeatureSize.value = medianEdgeLength(caches_.edges.value);  // at least one edge: 2 vertices or more
+    caches_.medianFeatureSize.valid = true;
+    return caches_.medianFeatureSize.value;
 }

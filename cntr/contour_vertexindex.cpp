@@ -17,18 +17,17 @@ bool sameTolerance(double a, double b) {
 
 std::vector<int> xcContour::vertexIndex(const xcVector<2>& point, double tolerance) {
     checkEmptyContour();
-    if (!vertexGrids_)
-        vertexGrids_.reset(new VertexGridCache);
+    VertexGridCache& grids = caches_.vertexGrids.make();
     VertexGrid* grid = nullptr;
-    for (VertexGrid& g : *vertexGrids_) {
+    for (VertexGrid& g : grids) {
         if (sameTolerance(g.tolerance, tolerance)) {
             grid = &g;
             break;
         }
     }
     if (!grid) {
-        vertexGrids_->push_back(VertexGrid{tolerance, {}});
-        grid = &vertexGrids_->back();
+        grids.push_back(VertexGrid{tolerance, {}});
+        grid = &grids.back();
         fillVertexGrid(*grid, points_);
     }
 

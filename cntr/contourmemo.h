@@ -2,6 +2,7 @@
 #define CNTR_CONTOURMEMO_H
 
 #include <map>
+#include <memory>
 #include <vector>
 
 #include <foundation/angle.h>
@@ -12,6 +13,55 @@
 /// Key orders and container types of the argument-keyed caches of contours and region sets.
 /// They are part of the shapes' layout, not API for applications.
 namespace xn_contourDetail {
+
+/// One cached result: whether it is valid, and its value. A cleared flag may leave the value in
+/// place; what a reset leaves in the value is documented by the cache's owner.
+template <class T>
+struct Cached {
+    bool valid = false;
+    T value{};
+
+    /// Stores `v`, marks it valid and returns it.
+    const T& set(const T& v) {
+        value = v;
+        valid = true;
+        return value;
+    }
+    /// Clears the flag and sets the value a reset leaves.
+    void reset(const T& v = T()) {
+        valid = false;
+        value = v;
+    }
+};
+
+/// A cache owned through a pointer (null until first used) and deep-copied with its owner.
+template <class T>
+class OwnedCache {
+public:
+    OwnedCache() = default;
+    OwnedCache(const OwnedCache& o) : p_(o.p_ ? new T(*o.p_) : nullptr) {}
+    OwnedCache(OwnedCache&&) noexcept = default;
+    OwnedCache& operator=(const OwnedCache& o) {
+        OwnedCache copy(o);
+        p_.swap(copy.p_);
+        return *this;
+    }
+    OwnedCache& operator=(OwnedCache&&) noexcept = default;
+
+    /// The cache, or null.
+    T* get() const { return p_.get(); }
+    /// The cache, made empty first when there is none.
+    T& make() {
+        if (!p_) p_.reset(new T);
+        return *p_;
+    }
+    /// The owning pointer, for code that replaces the whole cache.
+    std::unique_ptr<T>& pointer() { return p_; }
+    void reset() { p_.reset(); }
+
+private:
+    std::unique_ptr<T> p_;
+};
 
 /// Three-way comparison of two doubles as memo keys: the usual order of numbers (so -0.0 and 0.0
 /// are one key), with every NaN after every number and all NaNs one key, so that a NaN argument
