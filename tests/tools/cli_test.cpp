@@ -100,3 +100,31 @@ TEST(CommandLine, UnknownCommandIsRefused) {
 }
 
 TEST(CommandLine, Version) { EXPECT_EQ(parseCommandLine({"--version"}).command, Command::version); }
+
+TEST(CommandLine, DigitsOfMeasure) {
+    EXPECT_EQ(parseCommandLine({"measure", "a.json"}).digits, 0);
+    EXPECT_EQ(parseCommandLine({"measure", "a.json", "--digits", "4"}).digits, 4);
+    EXPECT_EQ(parseCommandLine({"measure", "--digits=17", "a.json", "--json"}).digits, 17);
+    EXPECT_EQ(usageErrorOf({"measure", "a.json", "--digits", "0"}),
+              "--digits needs a whole number from 1 to 17, not \"0\"; see cntrtool measure --help");
+    EXPECT_EQ(usageErrorOf({"measure", "a.json", "--digits", "3x"}),
+              "--digits needs a whole number from 1 to 17, not \"3x\"; see cntrtool measure --help");
+    EXPECT_EQ(usageErrorOf({"measure", "a.json", "--digits"}),
+              "--digits needs a value; see cntrtool measure --help");
+    EXPECT_EQ(usageErrorOf({"check", "a.json", "--digits", "3"}),
+              "unknown option --digits for check; see cntrtool check --help");
+}
+
+TEST(CommandLine, WidthAndYDownOfRender) {
+    const Options r = parseCommandLine({"render", "a", "-o", "b.svg", "--y-down", "--width", "640"});
+    EXPECT_TRUE(r.yDown);
+    EXPECT_EQ(r.width, 640);
+    EXPECT_EQ(parseCommandLine({"render", "a", "-o", "b.svg", "--width=16"}).width, 16);
+    EXPECT_EQ(parseCommandLine({"render", "a", "-o", "b.svg"}).width, 0);
+    EXPECT_EQ(usageErrorOf({"render", "a", "-o", "b.svg", "--width", "100001"}),
+              "--width needs a whole number from 16 to 100000, not \"100001\"; see cntrtool render "
+              "--help");
+    EXPECT_EQ(usageErrorOf({"render", "a", "-o", "b.svg", "--width", "-5"}),
+              "--width needs a whole number from 16 to 100000, not \"-5\"; see cntrtool render "
+              "--help");
+}
