@@ -13,6 +13,15 @@
 
 namespace cntrtool {
 
+namespace {
+
+// The library's centroid skips the fan triangles whose cross product is within this of 0...
+constexpr double kNegligibleCross = 1e-15;
+// ...and a set's centroid is (0, 0) when its regions' areas sum to within this of 0.
+constexpr double kNegligibleSetArea = 1e-15;
+
+}  // namespace
+
 std::string centroidConvention(const std::vector<xcVector<2>>& points) {
     if (points.size() <= 2)
         return "2 vertices or fewer enclose no area: the library gives the centroid (0, 0) by "
@@ -22,7 +31,7 @@ std::string centroidConvention(const std::vector<xcVector<2>>& points) {
     xcVector<2> previous = points.back();
     for (const xcVector<2>& current : points) {
         const double w = previous.cross(current);
-        if (std::fabs(w) > 1e-15)
+        if (std::fabs(w) > kNegligibleCross)
             sum += w;
         previous = current;
     }
@@ -138,9 +147,13 @@ void measureSpread(Measures& m, const xcContour& contour) {
 }
 
 void measureMomentEllipse(Measures& m) {
-    const char* missing = !m.inertia ? "inertia" : !m.centroid ? "centroid" : !m.area ? "area" : nullptr;
+    const char* missing = !m.inertia    ? "inertia"
+                          : !m.centroid ? "centroid"
+                          : !m.area     ? "area"
+                                        : nullptr;
     if (missing != nullptr) {
-        unavailable(m, "moment_ellipse", std::string("needs the ") + missing + ", which is not available",
+        unavailable(m, "moment_ellipse",
+                    std::string("needs the ") + missing + ", which is not available",
                     Unavailable::dependent);
         return;
     }
@@ -169,7 +182,8 @@ void measurePolygonMoments(Measures& m, const std::vector<xcVector<2>>& points) 
     else
         unavailable(m, "centroid", convention, Unavailable::convention);
     // The central moments do not depend on the point the fan of triangles starts from.
-    m.inertia = attempt(m, "inertia", [&] { return xf_InertiaDataPolygon(points).inertiaMatrix(); });
+    m.inertia =
+        attempt(m, "inertia", [&] { return xf_InertiaDataPolygon(points).inertiaMatrix(); });
     dropInertiaWithoutArea(m);
 }
 
@@ -261,7 +275,7 @@ void measureRegion(Measures& m, const Shape& shape) {
 std::string setCentroidConvention(const xcRegionSet::MutableRegionHandles& regions, double area) {
     if (regions.empty())
         return "";  // the library refuses it: the set holds no regions
-    if (std::fabs(area) <= 1e-15)
+    if (std::fabs(area) <= kNegligibleSetArea)
         return "the regions' areas sum to 0: the library gives (0, 0) by convention";
     for (std::size_t i = 0; i < regions.size(); ++i) {
         const std::string why = regionCentroidConvention(*regions[i]);
@@ -299,7 +313,8 @@ void measureRegionSet(Measures& m, const Shape& shape) {
     if (!allPoints.empty())
         measureSpread(m, xcContour(allPoints, true));
     else
-        allNotApplicable(m, {"fitted_ellipse", "hull_area", "diameter"}, "the set holds no regions");
+        allNotApplicable(m, {"fitted_ellipse", "hull_area", "diameter"},
+                         "the set holds no regions");
     m.selfIntersecting = attempt(m, "self_intersecting", [&] { return set.isSelfIntersecting(); });
 }
 
