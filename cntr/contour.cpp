@@ -2,11 +2,12 @@
 #include <cntr/contour.h>
 
 #include <cntr/contour_detail.h>
-#include <cntr/contour_edgeindex.h>
-#include <cntr/tolerances.h>
+#include <cntr/core/edge_index.h>
+#include <cntr/core/tolerances.h>
 #include <foundation/thread.h>
 
 using namespace xn_contourDetail;
+using namespace cntr::core;
 
 namespace {
 
@@ -52,7 +53,6 @@ xcContour& xcContour::operator=(const xcContour& other) {
     std::unique_ptr<RectMemo> rectMemo = deepCopy(other.rectMemo_);
     std::unique_ptr<ExtremalVertexMemo> extremalMemo = deepCopy(other.extremalVertexMemo_);
     std::unique_ptr<VertexGridCache> vertexGrids = deepCopy(other.vertexGrids_);
-    std::unique_ptr<EdgeIndex> edgeIndex = deepCopy(other.edgeIndex_);
 
     label_ = other.label_;
     closed_ = other.closed_;
@@ -73,18 +73,13 @@ xcContour& xcContour::operator=(const xcContour& other) {
     fitResidual_ = other.fitResidual_;
     selfIntersecting_ = other.selfIntersecting_;
     selfIntersectingValid_ = other.selfIntersectingValid_;
-    lineSegsValid_ = other.lineSegsValid_;
-    lineSegs_ = other.lineSegs_;
-    linesValid_ = other.linesValid_;
-    lines_ = other.lines_;
-    rectsValid_ = other.rectsValid_;
-    rects_ = other.rects_;
-    validLine_ = other.validLine_;
+    edgesValid_ = other.edgesValid_;
+    edges_ = other.edges_;
     medianFeatureSizeValid_ = other.medianFeatureSizeValid_;
     medianFeatureSize_ = other.medianFeatureSize_;
     vertexGrids_ = std::move(vertexGrids);
     edgeIndexTried_ = other.edgeIndexTried_;
-    edgeIndex_ = std::move(edgeIndex);
+    edgeIndex_ = other.edgeIndex_;
     return *this;
 }
 
@@ -167,9 +162,7 @@ void xcContour::cleanCacheInfo() {
     fitEllipseValid_ = false;
     fitResidual_ = 0.0;
     selfIntersectingValid_ = false;
-    lineSegsValid_ = false;
-    linesValid_ = false;
-    rectsValid_ = false;
+    edgesValid_ = false;
     medianFeatureSizeValid_ = false;
     medianFeatureSize_ = 0.0;
 }
@@ -188,10 +181,10 @@ xcContour::CacheState xcContour::cacheState() const {
     s.fitEllipseValid = fitEllipseValid_;
     s.fitResidual = fitResidual_;
     s.selfIntersectingValid = selfIntersectingValid_;
-    s.lineSegsValid = lineSegsValid_;
-    s.linesValid = linesValid_;
-    s.rectsValid = rectsValid_;
-    s.edgeVectorSize = lineSegs_.size();
+    s.lineSegsValid = edgesValid_;
+    s.linesValid = edgesValid_;
+    s.rectsValid = edgesValid_;
+    s.edgeVectorSize = edges_.segs.size();
     s.medianFeatureSizeValid = medianFeatureSizeValid_;
     s.medianFeatureSize = medianFeatureSize_;
     s.vertexGrids = vertexGrids_.get();

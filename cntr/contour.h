@@ -20,9 +20,10 @@ class xcArchive;
 class xcRegion;
 struct xcContourTestAccess;
 
-namespace xn_contourDetail {
+namespace cntr::core {
 class EdgeIndex;
 struct SegmentHit;
+struct SegmentQuery;
 }
 
 // The contour holds its convex hull by a counted handle to a region, a class that derives from
@@ -168,8 +169,8 @@ public:
     /// passes within 1e-6 of either end of `seg` is ignored. A crossing exactly through a vertex
     /// is reported once per edge. Throws EmptyContour. On contours of at least a few dozen
     /// edges with moderate finite coordinates the candidate edges come from the edge index
-    /// (built by the first query that needs it, cached until the next change, under 5 bytes per
-    /// edge, about 12 once its turned boxes are built), with the same points in the same order
+    /// (built by the first query that needs it, cached until the next change, under 12 bytes per
+    /// edge), with the same points in the same order
     /// as the edge-by-edge loop.
     std::vector<xcVector<2>> intersections(const xcLineSeg& seg, bool includeEndTouches);
     /// The points where the edges of `other` (in edge order, degenerate ones included) cross
@@ -265,18 +266,15 @@ protected:
                                            bool includeEndTouches);
     /// The number of points intersections(seg, includeEndTouches) gives, without ordering them.
     /// Throws EmptyContour.
-    /// With `plain` the edge-by-edge loop is used whatever the index (the reference the indexed
-    /// path is tested against).
-    std::size_t hitCount(const xcLineSeg& seg, bool includeEndTouches, bool plain = false) const;
+    std::size_t hitCount(const xcLineSeg& seg, bool includeEndTouches) const;
     /// The first point of intersections(seg, edges, false) and its edge, without finding and
-    /// ordering the others: false when there is none. With `plain` every edge is tested (the
-    /// reference); otherwise the edge index is searched nearest box first and boxes that cannot
-    /// hold a point before the best one found are passed over. Throws EmptyContour.
-    bool firstHitAlong(const xcLineSeg& seg, xcVector<2>& point, int& edge,
-                       bool plain = false) const;
+    /// ordering the others: false when there is none. Where the edge index serves, it is searched
+    /// nearest box first and boxes that cannot hold a point before the best one found are passed
+    /// over. Throws EmptyContour.
+    bool firstHitAlong(const xcLineSeg& seg, xcVector<2>& point, int& edge) const;
     /// The edge index, built on first demand (see intersections(seg, includeEndTouches)); null
-    /// for contours that do not get one.
-    const xn_contourDetail::EdgeIndex* edgeIndex() const;
+    /// for contours that do not get one. Immutable: copies of the contour share it.
+    const cntr::core::EdgeIndex* edgeIndex() const;
     /// The median edge length: the element at index count / 2 of the ascending edge lengths
     /// (the upper middle one for an even count), degenerate edges counting 0. NaN lengths sort
     /// after every number. Cached. Throws EmptyContour.
@@ -304,7 +302,7 @@ protected:
         double medianFeatureSize;
         const xn_contourDetail::VertexGridCache* vertexGrids;
         /// The edge index, null until a query built it (and for contours that do not get one).
-        const xn_contourDetail::EdgeIndex* edgeIndex;
+        const cntr::core::EdgeIndex* edgeIndex;
     };
     CacheState cacheState() const;
 
@@ -318,22 +316,13 @@ private:
     xcRect rectOf(const xcXform<2>& xform) const;
     xcCircle circleOf(xcContourDefs::DiameterMode mode) const;
     std::vector<xcVector<2>> hitsAlong(const xcLineSeg& seg, std::vector<int>& edgeIndices,
-                                       bool includeEndTouches, bool plain = false) const;
-    // The hits of the segment query in edge order, from the index where it serves, else from
-    // every edge (always with `plain`).
-    void collectHits(const xcLineSeg& seg, bool includeEndTouches, bool plain,
-                     std::vector<xn_contourDetail::SegmentHit>& hits) const;
-    bool selfIntersectingPlain() const;
-    // The length summed in edge order, uncached (the reference length() is tested against).
-    double lengthPlain() const;
-    // The furthest-pair circle from the loop over every vertex pair (the reference the filtered
-    // loop is tested against).
-    xcCircle furthestPairCirclePlain() const;
-    // isSelfIntersecting() through x-monotone chains; empty when a coordinate is not finite.
-    std::optional<bool> selfIntersectingSwept() const;
-    xcVector<2> nearestPoint(const xcVector<2>& point, bool vertexOnly, bool plain = false) const;
-    xcVector<2> nearestPointIndexed(const xn_contourDetail::EdgeIndex& index,
-                                    const xcVector<2>& point) const;
+                                       bool includeEndTouches) const;
+    // The hits of the segment query, from the index where it serves, else from every edge of the
+    // edge cache (in edge order).
+    void collectHits(const cntr::core::SegmentQuery& query,
+                     std::vector<cntr::core::SegmentHit>& hits) const;
+    const cntr::core::EdgeIndex* indexFor(const xcLineSeg& seg) const;
+    xcVector<2> nearestPoint(const xcVector<2>& point, bool vertexOnly) const;
     void serializeVersion1(xcArchive& ar);
     void loadVersion0(xcArchive& ar);
 
@@ -356,21 +345,16 @@ private:
     mutable double fitResidual_ = 0.0;
     mutable bool selfIntersecting_ = false;
     mutable bool selfIntersectingValid_ = false;
-    mutable bool lineSegsValid_ = false;
-    mutable std::vector<xcLineSeg> lineSegs_;
-    mutable bool linesValid_ = false;
-    mutable std::vector<xcLine> lines_;
-    mutable bool rectsValid_ = false;
-    mutable std::vector<xcRect> rects_;
-    mutable std::vector<bool> validLine_;
+    // The edge cache: segments, lines, rectangles and validity flags, built together.
+    mutable bool edgesValid_ = false;
+    mutable xn_contourDetail::EdgeTable edges_;
     mutable bool medianFeatureSizeValid_ = false;
     mutable double medianFeatureSize_ = 0.0;
     mutable std::unique_ptr<xn_contourDetail::VertexGridCache> vertexGrids_;
-    // The edge index (see contour_edgeindex.h: under 5 bytes per edge, about 12 with the turned
-    // boxes that the nearest-point and segment searches build) and whether building it was
-    // tried since the last change.
+    // The edge index (under 12 bytes per edge; immutable, so copies share it) and whether
+    // building it was tried since the last change.
     mutable bool edgeIndexTried_ = false;
-    mutable std::unique_ptr<xn_contourDetail::EdgeIndex> edgeIndex_;
+    mutable std::shared_ptr<const cntr::core::EdgeIndex> edgeIndex_;
 };
 
 #endif

@@ -1,131 +1,27 @@
-// The enclosing circle in its two modes.
-#include <algorithm>
-#include <cmath>
-#include <vector>
-
+// The enclosing circle in its two modes, cached per mode.
 #include <cntr/contour.h>
 
-namespace {
+#include <cntr/core/circles.h>
 
-/// Below this many vertices the plain pair loop is as fast as the filter.
-constexpr std::size_t kFilterMinVertices = 64;
-/// Coordinates beyond this (or not finite) keep the plain loop: the filter's distance sums
-/// must neither overflow nor meet infinities.
-constexpr double kFilterMaxCoordinate = 1e150;
-/// Slack of the filter's threshold, relative to the distances compared: far above the few
-/// units in the last place by which a computed distance may differ from the true one.
-constexpr double kFilterSlack = 1e-9;
+using namespace cntr::core;
 
-// The first ordered pair (i outer, j inner, both taken from `indices` in their order) at the
-// largest distance, as the circle through it; the default circle when no distance exceeds 0.
-template <class Indices>
-xcCircle furthestPairAmong(const std::vector<xcVector<2>>& v, const Indices& indices) {
-    xcCircle circle;
-    double best = 0.0;
-    for (std::size_t i : indices) {
-        for (std::size_t j : indices) {
-            const double d = v[i].distance(v[j]);
-            if (d > best) {
-                best = d;
-                circle = xcCircle((v[i] + v[j]) / 2.0, d / 2.0);
-            }
-        }
-    }
-    return circle;
+xcCircle xcContour::encloseCircle(xcContourDefs::DiameterMode mode) {
+    return circleOf(mode);
 }
-
-/// 0, 1, ..., n - 1 as a range, for the plain loop over every vertex.
-struct AllIndices {
-    struct Iterator {
-        std::size_t i;
-        std::size_t operator*() const { return i; }
-        Iterator& operator++() {
-            ++i;
-            return *this;
-        }
-        bool operator!=(const Iterator& o) const { return i != o.i; }
-    };
-    std::size_t n;
-    Iterator begin() const { return {0}; }
-    Iterator end() const { return {n}; }
-};
-
-bool filterApplies(const std::vector<xcVector<2>>& v) {
-    if (v.size() < kFilterMinVertices) return false;
-    for (const xcVector<2>& p : v)
-        if (!(std::fabs(p.x()) <= kFilterMaxCoordinate && std::fabs(p.y()) <= kFilterMaxCoordinate))
-            return false;
-    return true;
-}
-
-// The vertices that can belong to a pair at the largest distance, in index order. With c the
-// centre of the bounding box, r_p = |p - c| and R the largest r_p, every pair has
-// |p - q| <= r_p + R. A pair (a, b) found at distance D bounds the largest distance from below,
-// so only vertices with r_p >= D - R (less a slack that covers rounding) can be an end of a
-// pair at the largest distance.
-std::vector<std::size_t> furthestPairCandidates(const std::vector<xcVector<2>>& v) {
-    xcVector<2> low = v.front();
-    xcVector<2> high = v.front();
-    for (const xcVector<2>& p : v) {
-        low = xcVector<2>(std::min(low.x(), p.x()), std::min(low.y(), p.y()));
-        high = xcVector<2>(std::max(high.x(), p.x()), std::max(high.y(), p.y()));
-    }
-    const xcVector<2> centre = (low + high) / 2.0;
-    std::vector<double> reach(v.size());
-    std::size_t far = 0;
-    for (std::size_t i = 0; i < v.size(); ++i) {
-        reach[i] = v[i].distance(centre);
-        if (reach[i] > reach[far]) far = i;
-    }
-    const double radius = reach[far];
-    double known = 0.0;
-    for (const xcVector<2>& p : v) known = std::max(known, v[far].distance(p));
-    const double threshold = known - radius - kFilterSlack * (known + radius);
-    std::vector<std::size_t> candidates;
-    for (std::size_t i = 0; i < v.size(); ++i)
-        if (reach[i] >= threshold) candidates.push_back(i);
-    return candidates;
-}
-
-// The circle through the first ordered pair (i outer, j inner, i == j included) of vertices at
-// the largest distance. When no distance exceeds 0 (all vertices coincide, or fewer than two) the
-// result is the default circle, never a circle left in the cache slot by an earlier geometry.
-// Large contours with finite, moderate coordinates loop over the candidates of
-// furthestPairCandidates only: every pair at the largest distance is among them, in the same
-// order, so the same first pair wins. `plain` loops over every vertex whatever the contour.
-xcCircle furthestPairCircle(const std::vector<xcVector<2>>& v, bool plain) {
-    if (plain || !filterApplies(v)) return furthestPairAmong(v, AllIndices{v.size()});
-    return furthestPairAmong(v, furthestPairCandidates(v));
-}
-
-// The circle centred on vertex 0 through the vertex furthest from it.
-xcCircle fromFirstVertexCircle(const std::vector<xcVector<2>>& v) {
-    if (v.empty()) return xcCircle();
-    double radius = 0.0;
-    for (std::size_t i = 1; i < v.size(); ++i) {
-        const double d = v[0].distance(v[i]);
-        if (d > radius) radius = d;
-    }
-    return xcCircle(v[0], radius);
-}
-
-}  // namespace
-
-xcCircle xcContour::encloseCircle(xcContourDefs::DiameterMode mode) { return circleOf(mode); }
 
 xcCircle xcContour::circleOf(xcContourDefs::DiameterMode mode) const {
     if (mode != xcContourDefs::furthestVertexPair && mode != xcContourDefs::fromFirstVertex)
         throw xcContourDefs::BadParams(L"diameterMode is not one of the valid enums");
     const std::size_t slot = static_cast<std::size_t>(mode);
-    if (encloseCircleValid_.size() < slot + 1) encloseCircleValid_.resize(slot + 1, false);
-    if (encloseCircles_.size() < slot + 1) encloseCircles_.resize(slot + 1, xcCircle());
+    if (encloseCircleValid_.size() < slot + 1)
+        encloseCircleValid_.resize(slot + 1, false);
+    if (encloseCircles_.size() < slot + 1)
+        encloseCircles_.resize(slot + 1, xcCircle());
     if (!encloseCircleValid_[slot]) {
         encloseCircles_[slot] = mode == xcContourDefs::furthestVertexPair
-                                    ? furthestPairCircle(points_, false)
-                                    : fromFirstVertexCircle(points_);
+                                    ? furthestPairCircle(OutlineView(points_, isClosed()))
+                                    : fromFirstVertexCircle(OutlineView(points_, isClosed()));
         encloseCircleValid_[slot] = true;
     }
     return encloseCircles_[slot];
 }
-
-xcCircle xcContour::furthestPairCirclePlain() const { return furthestPairCircle(points_, true); }

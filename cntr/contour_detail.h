@@ -15,6 +15,7 @@
 #include <foundation/random.h>
 
 #include <cntr/contourmemo.h>
+#include <cntr/core/outline.h>
 
 namespace xn_contourDetail {
 
@@ -22,25 +23,9 @@ namespace xn_contourDetail {
 /// first use and freed when the thread ends.
 xcRandomUniform& threadGenerator();
 
-/// Calls edge(k, start, end) for every edge k of a contour of n vertices, in edge order: closed,
-/// edge 0 runs from vertex n-1 to vertex 0 and edge k from k-1 to k; open, edge k runs from
-/// vertex k to vertex k+1.
-template <class EdgeFunction>
-void forEachEdge(std::size_t n, bool closed, EdgeFunction edge) {
-    if (n == 0) return;
-    if (closed) {
-        edge(std::size_t{0}, n - 1, std::size_t{0});
-        for (std::size_t k = 1; k < n; ++k) edge(k, k - 1, k);
-    } else {
-        for (std::size_t k = 0; k + 1 < n; ++k) edge(k, k, k + 1);
-    }
-}
-
-/// The vertices edge k of a contour of n vertices starts and ends at (see forEachEdge).
-inline std::size_t edgeStartVertex(std::size_t k, std::size_t n, bool closed) {
-    return closed ? (k == 0 ? n - 1 : k - 1) : k;
-}
-inline std::size_t edgeEndVertex(std::size_t k, bool closed) { return closed ? k : k + 1; }
+using cntr::core::edgeEndVertex;
+using cntr::core::edgeStartVertex;
+using cntr::core::forEachEdge;
 
 /// The base part of shapes in version-0 archives: its own version byte (0) followed by the
 /// xcPersistent record. Kept only to read those records: each reader keeps one instance, which
@@ -55,17 +40,6 @@ private:
     const char* source_;
     long line_;
 };
-
-/// Whether two rectangles overlap; touching counts.
-inline bool rectsOverlap(const xcRect& a, const xcRect& b) {
-    return a.lr().x() >= b.ul().x() && a.ul().x() <= b.lr().x() && a.lr().y() >= b.ul().y() &&
-           a.ul().y() <= b.lr().y();
-}
-
-/// The rectangle spanned by two points (the union of their zero-size rectangles, b's first).
-inline xcRect spanRect(const xcVector<2>& a, const xcVector<2>& b) {
-    return xcRect::at(b).enclose(xcRect::at(a));
-}
 
 /// Stores `value` under `key` (absent from the memo, which exists) in an argument-keyed memo
 /// bounded by `limit`: while the memo holds no more than `limit` entries the entry is added (so

@@ -71,6 +71,16 @@ struct VertexGrid {
 /// One grid per tolerance, in the order the tolerances were first asked for.
 using VertexGridCache = std::vector<VertexGrid>;
 
+/// The edges as the segment query tests them, one entry per edge in edge order: its segment, the
+/// segment's line, the rectangle of its ends and whether it is non-degenerate (a degenerate edge
+/// has a default segment, line and rectangle).
+struct EdgeTable {
+    std::vector<xcLineSeg> segs;
+    std::vector<xcLine> lines;
+    std::vector<xcRect> rects;
+    std::vector<bool> valid;
+};
+
 }  // namespace xn_contourDetail
 
 #endif

@@ -11,15 +11,11 @@
 #include <cntr/moments_internal.h>
 #include <foundation/geometry.h>
 #include <foundation/numeric.h>
+#include <cntr/core/tolerances.h>
+
+using namespace cntr::core;
 
 namespace {
-
-/// A fan triangle whose doubled signed area is within this of 0 adds nothing to the centroid
-/// and is skipped (its median construction would be ill-conditioned).
-constexpr double kNegligibleCross = 1e-15;
-/// A polygon whose summed doubled signed area is within this of 0 has no meaningful centroid;
-/// its centre is reported as (0, 0).
-constexpr double kNegligibleTotalCross = 1e-6;
 
 /// Half the absolute sum of cross(previous, current) over the closed polygon of the positions
 /// of `items`, edges in the library's order (closing edge first).
@@ -37,16 +33,12 @@ double unsignedArea(const std::vector<T>& items, PositionOf positionOf) {
     return std::fabs(sum / 2.0);
 }
 
-/// The largest relative distance allowed between the reordered sum and the sum in edge order.
-constexpr double kReorderedAreaTolerance = 1e-10;
 /// Above this many vertices the sum stays in edge order: the vertices no longer fit the
 /// processor's caches, so reading them costs more than the additions and a second pass (after a
 /// failed bound) would cost more than the parallel sums save.
 constexpr std::size_t kReorderedAreaMaxVertices = std::size_t{1} << 17;
 /// One term in this many is looked at first to predict whether the bound can hold.
 constexpr std::size_t kAreaSampleStride = 16;
-/// The unit roundoff of double, 2^-53.
-constexpr double kUnitRoundoff = 1.1102230246251565e-16;
 
 #if defined(__SSE2__)
 /// The cross products of (a, b) and (b, c) in the two lanes: a.x * b.y - a.y * b.x and the same for
@@ -206,7 +198,7 @@ FanPair fanPair(const PairOfVectors& a, const PairOfVectors& b) {
     FanPair f;
     f.w = crossOf(a, b);
     f.skipped = _mm_cmple_pd(_mm_andnot_pd(signBit, _mm_sub_pd(f.w, zero)),
-                             _mm_set1_pd(kNegligibleCross));
+                             _mm_set1_pd(kNegligibleTriangleCross));
     // Median A: from the origin towards (a + b) / 2; its direction is that point minus the origin.
     const PairOfVectors towardsA{_mm_sub_pd(_mm_div_pd(_mm_add_pd(a.x, b.x), two), zero),
                                  _mm_sub_pd(_mm_div_pd(_mm_add_pd(a.y, b.y), two), zero)};
@@ -258,7 +250,7 @@ bool pairedCentroidSums(const std::vector<xcVector<2>>& p, CentroidSums& sums) {
     }
     if (k < n) {  // the last edge of an odd count, one by one
         const double w = p[k - 1].cross(p[k]);
-        if (!xfRealEq(w, 0.0, kNegligibleCross))
+        if (!xfRealEq(w, 0.0, kNegligibleTriangleCross))
             sums.add(w, triangleCentroid(xcVector<2>(), p[k - 1], p[k]));
     }
     return true;
@@ -297,7 +289,7 @@ xcVector<2> moments_detail::plainCenterOfMass(const std::vector<xcVector<2>>& po
     xcVector<2> previous = points.back();
     for (const xcVector<2>& current : points) {
         const double w = previous.cross(current);
-        if (!xfRealEq(w, 0.0, kNegligibleCross))
+        if (!xfRealEq(w, 0.0, kNegligibleTriangleCross))
             sums.add(w, triangleCentroid(origin, previous, current));
         previous = current;
     }

@@ -4,11 +4,12 @@
 #include <cntr/moments.h>
 #include <foundation/exception.h>
 #include <foundation/numeric.h>
+#include <cntr/core/tolerances.h>
+
+using namespace cntr::core;
 
 namespace {
 
-/// A principal moment within this of 0 determines no ellipse.
-constexpr double kZeroPrincipalMoment = 1e-12;
 /// pi squared, as used by the semi-axis formulas.
 constexpr double kPiSquared = 9.869604401089358;
 

@@ -6,18 +6,12 @@
 #include <cntr/moments.h>
 #include <foundation/exception.h>
 #include <foundation/geometry.h>
+#include <cntr/core/tolerances.h>
+
+using namespace cntr::core;
 
 namespace {
 
-/// Slack on the test "the foot of the altitude lies outside the base": the foot counts as
-/// outside only when the distance to the base's line is below the distance to the base segment
-/// by more than this, so a foot on a base corner is accepted despite rounding.
-constexpr double kFootOutsideSlack = 1e-10;
-/// A combined area within this of 0 has no meaningful centre; the centre is then (0, 0).
-constexpr double kNegligibleCombinedArea = 1e-16;
-/// Second-pass threshold on the magnitude of a fan triangle's area: triangles beyond it (in the
-/// sign of the mean) are summed before the remaining, smaller ones.
-constexpr double kSmallTriangleArea = 1e-6;
 /// A triangle has three sides to try as the base.
 constexpr int kTriangleSides = 3;
 

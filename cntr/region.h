@@ -252,16 +252,9 @@ class CNTR_API xcRegion : public virtual xcContour {
     /// the first gap wider than pi / n between the directions to the vertices (or +x), of the
     /// length of the outline's diameter; with `bothWays`, the smaller of the counts of that ray
     /// and the opposite one (the first on a tie). 0 outside the bounding rectangle, 1 within
-    /// 1e-6 of a vertex. Holes take no part.
-    /// With `plain` the direction comes from sorting every vertex angle and the crossings from
-    /// the edge-by-edge loop (the reference the indexed path is tested against); otherwise, on
-    /// outlines with an edge index, the vertex near the point and the smallest angles are found
-    /// through the index (falling back to the sort when no gap shows among the first angles)
-    /// and the crossings are counted through it, with the same result. That sort merges the
-    /// runs in which the angles rise or fall along the outline when they are few (a smooth
-    /// outline seen from outside), else sorts outright; equal angles differ at most in the sign
-    /// of a zero, which no gap or bisector sees.
-    long insideCount(const xcVector<2>& point, bool bothWays, bool plain = false) const;
+    /// 1e-6 of a vertex. Holes take no part. Computed by the core's crossing count from this
+    /// region's caches (its enclosing rectangle, edge index, diameter and segment query).
+    long insideCount(const xcVector<2>& point, bool bothWays) const;
     /// The walk engine of regularize (`full` false) and outerHull (`full` true), uncached: it
     /// assigns the walk's (or the outer loop's) region to `result`. Throws EmptyContour for
     /// fewer than 3 vertices, and what regularize and outerHull describe.

@@ -12,11 +12,14 @@
 #include <utility>
 
 #include <cntr/contour_detail.h>
+#include <cntr/core/box.h>
+#include <cntr/core/tolerances.h>
 #include <cntr/region_walk.h>
 #include <foundation/exception.h>
 
 namespace {
 
+using namespace cntr::core;
 using Points = std::vector<xcVector<2>>;
 using Loops = std::vector<std::unique_ptr<xcRegion>>;
 
@@ -44,7 +47,7 @@ bool cutAtRepeatedVertex(Loops& loops, std::size_t& from) {
         const std::size_t c = v.size();
         for (std::size_t k = 0; k < c; ++k) {
             for (int found :
-                 loops[r]->vertexIndex(v[k], xn_regionDetail::kRepeatedVertexTolerance)) {
+                 loops[r]->vertexIndex(v[k], kWalkVertexTolerance)) {
                 const std::size_t j = static_cast<std::size_t>(found);
                 if (j == k)
                     continue;
@@ -86,38 +89,9 @@ bool dropInnerLoop(Loops& loops, std::size_t& from, Dropped dropped) {
     return false;
 }
 
-// The bounding box of a loop's vertices; a NaN coordinate takes no part (vertexIndex never
+// The bounding box of each loop's vertices; a NaN coordinate takes no part (vertexIndex never
 // matches such a vertex either), so a loop of NaN vertices has an empty box.
-struct Box {
-    double minX = std::numeric_limits<double>::infinity();
-    double minY = std::numeric_limits<double>::infinity();
-    double maxX = -std::numeric_limits<double>::infinity();
-    double maxY = -std::numeric_limits<double>::infinity();
-
-    void add(const xcVector<2>& p) {
-        if (p.x() < minX)
-            minX = p.x();
-        if (p.x() > maxX)
-            maxX = p.x();
-        if (p.y() < minY)
-            minY = p.y();
-        if (p.y() > maxY)
-            maxY = p.y();
-    }
-    void add(const Box& b) {
-        minX = std::min(minX, b.minX);
-        minY = std::min(minY, b.minY);
-        maxX = std::max(maxX, b.maxX);
-        maxY = std::max(maxY, b.maxY);
-    }
-};
-
-Box boxOf(const Points& v) {
-    Box b;
-    for (const xcVector<2>& p : v)
-        b.add(p);
-    return b;
-}
+Box boxOf(const Points& v) { return Box::around(v.begin(), v.end()); }
 
 std::vector<Box> boxesOf(const Loops& loops) {
     std::vector<Box> boxes;
@@ -126,14 +100,9 @@ std::vector<Box> boxesOf(const Loops& loops) {
     return boxes;
 }
 
-// Whether no vertex inside one box can lie within the repeated-vertex tolerance of a vertex
-// inside the other. The boxes must be four tolerances apart, which absorbs the rounding of the
-// sum below and of the distance that vertexIndex computes.
-bool apart(const Box& a, const Box& b) {
-    constexpr double margin = 4.0 * xn_regionDetail::kRepeatedVertexTolerance;
-    return a.maxX + margin < b.minX || b.maxX + margin < a.minX || a.maxY + margin < b.minY ||
-           b.maxY + margin < a.minY;
-}
+// Whether no vertex inside one box can lie within the walk-vertex tolerance of a vertex inside
+// the other.
+bool apart(const Box& a, const Box& b) { return a.apart(b, kLoopsApartMargin); }
 
 // Whether loop i's vertices (some vertex m) are found by loop k's vertexIndex: the first such
 // m, the first index q found, or false.
@@ -142,7 +111,7 @@ bool firstSharedVertex(const Loops& loops, std::size_t i, std::size_t k, std::si
     const Points& vi = loops[i]->points();
     for (m = 0; m < vi.size(); ++m) {
         const std::vector<int> found =
-            loops[k]->vertexIndex(vi[m], xn_regionDetail::kRepeatedVertexTolerance);
+            loops[k]->vertexIndex(vi[m], kWalkVertexTolerance);
         if (!found.empty()) {
             q = static_cast<std::size_t>(found.front());
             return true;
@@ -161,7 +130,7 @@ void joinLoops(Loops& loops, std::vector<Box>& boxes, std::size_t i, std::size_t
     appendCyclic(joined, vi, m, vi.size());
     appendCyclic(joined, vk, q, vk.size());
     loops[i] = loopOf(joined);
-    boxes[i].add(boxes[k]);
+    boxes[i].merge(boxes[k]);
     std::swap(loops[k], loops.back());
     std::swap(boxes[k], boxes.back());
     loops.pop_back();
@@ -203,7 +172,7 @@ class WalkLoops {
   public:
     explicit WalkLoops(const Points& walk) : walk_(walk), placeOf_(walk.size(), 0), posOf_(walk.size()) {
         xn_contourDetail::VertexGrid grid;
-        grid.tolerance = xn_regionDetail::kRepeatedVertexTolerance;
+        grid.tolerance = kWalkVertexTolerance;
         xn_contourDetail::fillVertexGrid(grid, walk);
         firstPartner_.reserve(walk.size() + 1);
         const std::size_t limit = kPartnersPerPoint * walk.size() + kPartnerSlack;
@@ -291,7 +260,7 @@ class WalkLoops {
             }
             if (best == kNoLoop) continue;
             join(i, best, bestM, bestQ);
-            boxes[i].add(boxes[best]);
+            boxes[i].merge(boxes[best]);
             std::swap(boxes[best], boxes.back());
             boxes.pop_back();
             from = i;

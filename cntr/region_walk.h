@@ -11,10 +11,6 @@
 
 namespace xn_regionDetail {
 
-/// Two walk points closer than this are one vertex: the outer hull cuts its walk into loops
-/// there, and joins two loops that share such a vertex.
-constexpr double kRepeatedVertexTolerance = 1e-6;
-
 /// The source name and line that the outer hull reports to xstd_assert_ when its loops do not
 /// join into one outline.
 constexpr const char* kAssertSource = "cntr/region";

@@ -2,7 +2,10 @@
 #ifndef CNTR_REGIONST_DETAIL_H
 #define CNTR_REGIONST_DETAIL_H
 
+#include <optional>
 #include <vector>
+
+#include <cntr/core/box.h>
 
 #include <cntr/region.h>
 #include <foundation/geometry.h>
@@ -16,10 +19,7 @@ void checkNoNullRegion(const std::vector<xcPtrHandle_const<xcRegion>>& regions);
 
 /// The bounding box of a contour's vertices, when it is known to hold every vertex: not for a
 /// contour without vertices nor for one with a NaN coordinate.
-struct VertexBox {
-    bool known = false;
-    xcRect rect;
-};
+using VertexBox = std::optional<cntr::core::Box>;
 VertexBox vertexBox(const xcContour& contour);
 
 /// Decides, pair by pair, whether outline.xcContour::intersections(other) can be skipped: it is
@@ -39,7 +39,7 @@ class OutlineFilter {
     xcContour* outline_;
     bool asked_ = false;
     bool usable_ = false;
-    xcRect rect_;
+    cntr::core::Box rect_;
 };
 
 }  // namespace xn_regionSetDetail

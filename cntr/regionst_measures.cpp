@@ -9,7 +9,7 @@
 #include <cntr/moments.h>
 #include <cntr/region_detail.h>
 #include <cntr/regionst_detail.h>
-#include <cntr/tolerances.h>
+#include <cntr/core/tolerances.h>
 #include <foundation/numeric.h>
 
 using namespace xn_regionDetail;
@@ -54,7 +54,7 @@ xcVector<2> xcRegionSet::centerOfMass(bool considerHoles) {
         weighted += region.area(considerHoles) * center;
         total += region.area(considerHoles);
     }
-    const bool noArea = xfRealEq(total, 0.0, xn_contourDetail::kExactTolerance);
+    const bool noArea = xfRealEq(total, 0.0, cntr::core::kExactTolerance);
     slot.value = noArea ? xcVector<2>() : weighted / total;
     slot.valid = true;
     mutating();
@@ -162,28 +162,23 @@ bool xcRegionSet::anyOutlinesCross() const {
 }
 
 xn_regionSetDetail::VertexBox xn_regionSetDetail::vertexBox(const xcContour& contour) {
-    VertexBox box;
     const std::vector<xcVector<2>>& p = contour.points();
     for (const xcVector<2>& v : p)
         if (std::isnan(v.x()) || std::isnan(v.y()))
-            return box;
+            return std::nullopt;
     if (p.empty())
-        return box;
-    box.rect = xcRect::at(p[0]);
-    for (std::size_t i = 1; i < p.size(); ++i)
-        box.rect = box.rect.enclose(xcRect::at(p[i]));
-    box.known = true;
-    return box;
+        return std::nullopt;
+    return cntr::core::Box::around(p.begin(), p.end());
 }
 
 bool xn_regionSetDetail::OutlineFilter::mayMeet(const VertexBox& other) {
-    if (!other.known)
+    if (!other)
         return true;
     if (!asked_) {
-        rect_ = outline_->encloseRect(xcXform<2>::I);
-        usable_ = std::isfinite(rect_.ul().x()) && std::isfinite(rect_.ul().y()) &&
-                  std::isfinite(rect_.lr().x()) && std::isfinite(rect_.lr().y());
+        rect_ = cntr::core::Box::of(outline_->encloseRect(xcXform<2>::I));
+        usable_ = std::isfinite(rect_.minX) && std::isfinite(rect_.minY) &&
+                  std::isfinite(rect_.maxX) && std::isfinite(rect_.maxY);
         asked_ = true;
     }
-    return !usable_ || xn_contourDetail::rectsOverlap(rect_, other.rect);
+    return !usable_ || rect_.overlaps(*other);
 }

@@ -7,7 +7,7 @@
 #include <cntr/contour.h>
 #include <foundation/random.h>
 
-#include "contour_access.h"
+#include "core_reference.h"
 #include "contour_testing.h"
 
 using Defs = xcContourDefs;
@@ -214,7 +214,7 @@ TEST(ContourEncloseCircle, FilteredFurthestPairIsThePlainPairBitForBit) {
         const int family = s % 6;
         const int n = filterVertexCount(g);
         const xcContour c(filterShape(family, g, n), true);
-        const xcCircle plain = xcContourTestAccess::plainFurthestPairCircle(c);
+        const xcCircle plain = cntr::core::referenceFurthestPairCircle(core_reference::outline(c));
         expectSameCircle(plain, xcContour(c).encloseCircle(Defs::furthestVertexPair),
                          "shape " + std::to_string(s) + " family " + std::to_string(family) +
                              " n " + std::to_string(n));
@@ -231,7 +231,7 @@ TEST(ContourEncloseCircle, FilteredFurthestPairOfARegularPolygonIsTheFirstDiamet
         p.emplace_back(std::cos(a), std::sin(a));
     }
     xcContour c(p, true);
-    expectSameCircle(xcContourTestAccess::plainFurthestPairCircle(c),
+    expectSameCircle(cntr::core::referenceFurthestPairCircle(core_reference::outline(c)),
                      c.encloseCircle(Defs::furthestVertexPair), "128-gon");
 }
 
@@ -255,7 +255,7 @@ TEST(ContourEncloseCircle, NonFiniteAndHugeCoordinatesGiveThePlainPair) {
         for (int i = 0; i < 80; ++i) p.emplace_back(std::cos(i * 0.1) * 5.0, i * 0.5);
         p[40] = xcVector<2>(odd, 1.0);
         xcContour c(p, true);
-        const xcCircle plain = xcContourTestAccess::plainFurthestPairCircle(c);
+        const xcCircle plain = cntr::core::referenceFurthestPairCircle(core_reference::outline(c));
         const xcCircle fast = c.encloseCircle(Defs::furthestVertexPair);
         const auto same = [](double a, double b) { return a == b || (a != a && b != b); };
         EXPECT_TRUE(same(plain.center().x(), fast.center().x())) << odd;

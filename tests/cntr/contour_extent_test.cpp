@@ -9,7 +9,7 @@
 #include <cntr/contour.h>
 #include <foundation/random.h>
 
-#include "contour_access.h"
+#include "core_reference.h"
 #include "contour_testing.h"
 #include "within_relative.h"
 
@@ -404,7 +404,7 @@ TEST(ContourLength, InterleavedSumAgreesWithTheSumInEdgeOrder) {
         }
         for (bool closed : {true, false}) {
             const xcContour c(p, closed);
-            const double plain = xcContourTestAccess::plainLength(c);
+            const double plain = cntr::core::referenceLength(core_reference::outline(c));
             EXPECT_TRUE(withinRelative(c.length(), plain))
                 << "shape " << s << " n " << n << " closed " << closed << ": " << c.length()
                 << " vs " << plain;
@@ -424,7 +424,7 @@ TEST(ContourLength, NonFiniteVerticesGiveWhatTheSumInEdgeOrderGives) {
             p[static_cast<std::size_t>(at)] = xcVector<2>(odd, 0.0);
             for (bool closed : {true, false}) {
                 const xcContour c(p, closed);
-                EXPECT_TRUE(withinRelative(c.length(), xcContourTestAccess::plainLength(c)))
+                EXPECT_TRUE(withinRelative(c.length(), cntr::core::referenceLength(core_reference::outline(c))))
                     << odd << " at " << at << " closed " << closed;
             }
         }

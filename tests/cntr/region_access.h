@@ -8,9 +8,8 @@ struct xcRegionTestAccess {
     static void splice(const xcRegion& region, const xcRegion& other, xcRegion& result) {
         region.splice(other, result);
     }
-    static long insideCount(const xcRegion& region, const xcVector<2>& point, bool bothWays,
-                            bool plain) {
-        return region.insideCount(point, bothWays, plain);
+    static long insideCount(const xcRegion& region, const xcVector<2>& point, bool bothWays) {
+        return region.insideCount(point, bothWays);
     }
     static void outerHullRegularize(const xcRegion& region, xcRegion& result, bool full) {
         region.outerHullRegularize(result, full);

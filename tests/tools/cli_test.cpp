@@ -128,3 +128,46 @@ TEST(CommandLine, WidthAndYDownOfRender) {
               "--width needs a whole number from 16 to 100000, not \"-5\"; see cntrtool render "
               "--help");
 }
+
+TEST(CommandLine, MaxInputTakesAWholeNumberOfBytes) {
+    EXPECT_EQ(parseCommandLine({"measure", "x.json"}).maxInput, 4294967296u);
+    EXPECT_EQ(parseCommandLine({"measure", "x.json", "--max-input", "1000"}).maxInput, 1000u);
+    EXPECT_EQ(parseCommandLine({"pack", "x.json", "--max-input=7", "-o", "y"}).maxInput, 7u);
+    EXPECT_EQ(parseCommandLine({"check", "--max-input", "18446744073709551615", "x.json"}).maxInput,
+              18446744073709551615u);
+    const std::string see = "; see cntrtool measure --help";
+    for (const char* bad : {"0", "-1", "1e9", "12kB", "", "18446744073709551616"})
+        EXPECT_EQ(usageErrorOf({"measure", "x.json", "--max-input", bad}),
+                  std::string("--max-input needs a whole number of bytes from 1 up, not \"") +
+                      bad + "\"" + see)
+            << bad;
+    EXPECT_EQ(usageErrorOf({"measure", "x.json", "--max-input"}), "--max-input needs a value" + see);
+}
+
+TEST(CommandLine, HelpDescribesTheInputLimitAndStandardOutput) {
+    EXPECT_NE(cntrtool::helpText(Command::measure).find("--max-input BYTES"), std::string::npos);
+    EXPECT_NE(cntrtool::helpText(Command::repair).find("- writes to standard output"),
+              std::string::npos);
+    EXPECT_EQ(cntrtool::helpText(Command::check).find("standard output"), std::string::npos);
+}
+
+TEST(CommandLine, MaxInputGoesWithEveryCommandAndItsOwnValueOptions) {
+    for (const char* command : {"measure", "check"})
+        EXPECT_EQ(parseCommandLine({command, "x", "--max-input", "5"}).maxInput, 5u) << command;
+    for (const char* command : {"repair", "render", "pack", "unpack"})
+        EXPECT_EQ(parseCommandLine({command, "x", "--max-input=6", "-o", "y"}).maxInput, 6u)
+            << command;
+    const Options m = parseCommandLine({"measure", "a.json", "--digits", "4", "--max-input=10"});
+    EXPECT_EQ(m.digits, 4);
+    EXPECT_EQ(m.maxInput, 10u);
+    const Options r =
+        parseCommandLine({"render", "a", "--max-input", "20", "-o", "b.svg", "--width=640"});
+    EXPECT_EQ(r.width, 640);
+    EXPECT_EQ(r.maxInput, 20u);
+    EXPECT_EQ(usageErrorOf({"render", "a", "-o", "b.svg", "--max-input", "0"}),
+              "--max-input needs a whole number of bytes from 1 up, not \"0\"; see cntrtool render "
+              "--help");
+    // After "--" it is a file name.
+    EXPECT_EQ(parseCommandLine({"check", "--", "--max-input"}).input, "--max-input");
+    EXPECT_NE(cntrtool::helpText(Command::render).find("--max-input BYTES"), std::string::npos);
+}

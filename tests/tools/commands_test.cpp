@@ -170,3 +170,141 @@ TEST(Commands, ProgressForLargeFiles) {
     EXPECT_TRUE(std::regex_search(r.err, std::regex("measured 10001 of 10001 shapes in [0-9.]+ s")))
         << r.err;
 }
+
+TEST(Commands, RepairProgressCountsTheShapesProcessed) {
+    // Triangles that need no repair: the progress must not call them repaired.
+    ScratchDir dir;
+    std::string json = R"({"shapes": [)";
+    const int n = 10001;
+    for (int i = 0; i < n; ++i)
+        json += std::string(i ? "," : "") + R"({"kind": "region", "points": [[0, 0], [1, 0], [1, 1]]})";
+    json += "]}";
+    const auto r = runTool({"repair", dir.write("big.json", json), "-o", dir.file("out.json")});
+    EXPECT_EQ(r.status, cntrtool::kExitOk);
+    EXPECT_TRUE(std::regex_search(r.err, std::regex("^processed 10001 of 10001 shapes in [0-9.]+ s")))
+        << r.err;
+    EXPECT_EQ(r.err.find("repaired"), std::string::npos) << r.err;
+    EXPECT_EQ(r.out, "repaired 0 of 10001 shapes; wrote " + dir.file("out.json") + "\n");
+}
+
+TEST(Commands, OutputIsCheckedBeforeTheInputIsRead) {
+    // The input is missing too: the message about the output shows that it was looked at first.
+    ScratchDir dir;
+    for (const char* command : {"repair", "render", "pack", "unpack"}) {
+        const auto r = runTool({command, dir.file("missing.json"), "-o", dir.file("gone/out")});
+        EXPECT_EQ(r.status, cntrtool::kExitBadInput);
+        EXPECT_EQ(r.err, "cntrtool: " + dir.file("gone/out") + ": cannot write: the directory " +
+                             dir.file("gone") + " does not exist\n")
+            << command;
+    }
+}
+
+TEST(Commands, DirectoryAsOutputIsCalledADirectory) {
+    ScratchDir dir;
+    const auto r = runTool({"repair", kShapes, "-o", dir.file("")});
+    EXPECT_EQ(r.status, cntrtool::kExitBadInput);
+    EXPECT_EQ(r.err, "cntrtool: " + dir.file("") + ": cannot write: is a directory\n");
+}
+
+TEST(Commands, DashWritesTheContentToStandardOutputAndTheSummaryToStandardError) {
+    ScratchDir dir;
+    const auto toFile = runTool({"repair", kShapes, "-o", dir.file("r.json")});
+    const auto toOut = runTool({"repair", kShapes, "-o", "-"});
+    EXPECT_EQ(toOut.status, toFile.status);
+    EXPECT_EQ(toOut.out, readFile(dir.file("r.json")));
+    EXPECT_NE(toOut.err.find("repaired 1 of 12 shapes, 3 could not be repaired; wrote -\n"),
+              std::string::npos)
+        << toOut.err;
+    const auto packed = runTool({"pack", kShapes, "-o", "-"});
+    ASSERT_EQ(runTool({"pack", kShapes, "-o", dir.file("a.xca")}).status, packed.status);
+    EXPECT_EQ(packed.out, readFile(dir.file("a.xca")));
+}
+
+TEST(Commands, UnpackOfANonArchiveSaysSo) {
+    ScratchDir dir;
+    const std::string text = dir.write("notes.txt", "plain words");
+    const auto r = runTool({"unpack", text, "-o", dir.file("out.json")});
+    EXPECT_EQ(r.status, cntrtool::kExitBadInput);
+    EXPECT_EQ(r.err, "cntrtool: " + text + ": not an archive (unpack reads what pack writes)\n");
+}
+
+TEST(Commands, EndlessInputStopsAtTheLimit) {
+    const auto r = runTool({"measure", "/dev/zero", "--max-input", "100000"});
+    EXPECT_EQ(r.status, cntrtool::kExitBadInput);
+    EXPECT_EQ(r.err, "cntrtool: /dev/zero: the input has not ended: stopped after 100000 bytes; "
+                     "the input limit is 100000 bytes (see --max-input)\n");
+    EXPECT_EQ(r.out, "");
+}
+
+TEST(Commands, RepairOfCocoRewritesAreaAndBoxOfRepairedAnnotations) {
+    // A bow-tie crossing at (1, 1): its two lobes are triangles of base 2 and height 1, area 1
+    // each, inside the box from (0, 0) to (2, 2). The square after it needs nothing and keeps
+    // its fields, however stale.
+    ScratchDir dir;
+    const std::string coco = dir.write("c.json", R"({"annotations": [
+        {"id": 7, "category_id": 2, "segmentation": [[0, 0, 2, 2, 2, 0, 0, 2]], "area": 99,
+         "bbox": [9, 9, 9, 9], "iscrowd": 0},
+        {"id": 8, "segmentation": [[0, 0, 1, 0, 1, 1, 0, 1]], "area": 5, "bbox": [1, 2, 3, 4]}]})");
+    const auto r = runTool({"repair", coco, "-o", dir.file("r.json")});
+    ASSERT_EQ(r.status, cntrtool::kExitOk) << r.err;
+    const auto repaired = cntrtool::parseJson("r.json", readFile(dir.file("r.json")));
+    const auto& bowTie = repaired["annotations"][0];
+    EXPECT_DOUBLE_EQ(bowTie["area"].get<double>(), 2.0);
+    EXPECT_EQ(bowTie["bbox"], cntrtool::Json::parse("[0, 0, 2, 2]"));
+    EXPECT_EQ(bowTie["id"], 7);
+    EXPECT_EQ(bowTie["iscrowd"], 0);
+    EXPECT_EQ(repaired["annotations"][1]["area"], 5);
+    EXPECT_EQ(repaired["annotations"][1]["bbox"], cntrtool::Json::parse("[1, 2, 3, 4]"));
+}
+
+// A region whose holes nest `depth` deep, each a square inside the one before; the deepest
+// repeats its first vertex.
+std::string nestedHoles(int depth) {
+    std::string hole;
+    for (int k = depth; k >= 1; --k) {
+        const std::string lo = std::to_string(k), hi = std::to_string(200 - k);
+        const std::string repeat = k == depth ? "[" + lo + ", " + lo + "], " : "";
+        hole = "{\"points\": [[" + lo + ", " + lo + "], " + repeat + "[" + hi + ", " + lo + "], [" +
+               hi + ", " + hi + "], [" + lo + ", " + hi + "]]" +
+               (hole.empty() ? "" : ", \"holes\": [" + hole + "]") + "}";
+    }
+    return R"({"shapes": [{"kind": "region", "points": [[0, 0], [200, 0], [200, 200], [0, 200]],
+               "holes": [)" + hole + "]}]}";
+}
+
+TEST(Commands, DeepHolesAreNamedByTheirDepth) {
+    ScratchDir dir;
+    const auto r = runTool({"check", dir.write("deep.json", nestedHoles(10))});
+    EXPECT_EQ(r.status, cntrtool::kExitProblems);
+    EXPECT_EQ(r.out, "shape 0 (region, label 0): repeated-vertex: hole 0 (10 levels deep) repeats "
+                     "vertex 0 at vertex 1 (1 repeated in all)\n1 problems in 1 of 1 shapes\n");
+    const auto tooDeep = runTool({"measure", dir.write("deeper.json", nestedHoles(65))});
+    EXPECT_EQ(tooDeep.status, cntrtool::kExitBadInput);
+    EXPECT_EQ(tooDeep.err, "cntrtool: " + dir.file("deeper.json") +
+                               ": shape 0, hole 0 (65 levels deep): holes nested deeper than 64 "
+                               "levels\n");
+}
+
+TEST(Commands, RenderWritesItsPictureToStandardOutputAsToAFile) {
+    // The picture drawn to "-" is the one drawn to a file, byte for byte, with its size and
+    // background; the closing line goes to stderr.
+    ScratchDir dir;
+    const auto toFile = runTool({"render", kShapes, "-o", dir.file("s.svg"), "--width", "640"});
+    const auto toOut = runTool({"render", kShapes, "-o", "-", "--width", "640", "--y-down"});
+    const auto toOutUp = runTool({"render", kShapes, "--width=640", "-o", "-"});
+    ASSERT_EQ(toFile.status, cntrtool::kExitOk) << toFile.err;
+    ASSERT_EQ(toOutUp.status, cntrtool::kExitOk) << toOutUp.err;
+    EXPECT_EQ(toOutUp.out, readFile(dir.file("s.svg")));
+    EXPECT_NE(toOutUp.out.find("<svg xmlns=\"http://www.w3.org/2000/svg\" version=\"1.1\" "
+                               "width=\"640\""),
+              std::string::npos);
+    EXPECT_NE(toOutUp.out.find("fill=\"#ffffff\""), std::string::npos);
+    EXPECT_TRUE(std::regex_search(
+        toOutUp.err, std::regex("drew 12 shapes \\([0-9]+ segments\\); wrote -\n$")))
+        << toOutUp.err;
+    // --y-down draws the same segments without the flip of the y axis.
+    ASSERT_EQ(toOut.status, cntrtool::kExitOk) << toOut.err;
+    EXPECT_NE(toOut.out, toOutUp.out);
+    EXPECT_EQ(toOut.out.find("scale(1,-1)"), std::string::npos);
+    EXPECT_NE(toOutUp.out.find("scale(1,-1)"), std::string::npos);
+}

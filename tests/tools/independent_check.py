@@ -127,6 +127,22 @@ def degenerate_text(poly):
             "summing to within 1e-6 of 0): it has no centroid" % area)
 
 
+def check_area_and_box(index, annotation, polygons):
+    """A repaired annotation's area is its polygons' (they no longer cross, so each one's
+    absolute shoelace area), its bbox the box round their vertices."""
+    errors = []
+    area = sum(abs(signed_area(p)) for p in polygons)
+    if not close(annotation.get("area", float("nan")), area):
+        errors.append("annotation %d: area %s, expected %s" % (index, annotation.get("area"), area))
+    xs = [x for p in polygons for x, _ in p]
+    ys = [y for p in polygons for _, y in p]
+    box = [min(xs), min(ys), max(xs) - min(xs), max(ys) - min(ys)]
+    got = annotation.get("bbox", [])
+    if len(got) != 4 or not all(close(g, b) for g, b in zip(got, box)):
+        errors.append("annotation %d: bbox %s, expected %s" % (index, got, box))
+    return errors
+
+
 def check_repair(coco, repaired, repair_err, check):
     original = json.load(open(coco))["annotations"]
     result = json.load(open(repaired))["annotations"]
@@ -139,9 +155,11 @@ def check_repair(coco, repaired, repair_err, check):
     for index, (old, new) in enumerate(zip(original, result)):
         if old == new:
             continue
-        if {k: v for k, v in old.items() if k != "segmentation"} != {k: v for k, v in new.items() if k != "segmentation"}:
-            errors.append("annotation %d: more than its segmentation changed" % index)
+        rewritten = ("segmentation", "area", "bbox")
+        if {k: v for k, v in old.items() if k not in rewritten} != {k: v for k, v in new.items() if k not in rewritten}:
+            errors.append("annotation %d: more than its segmentation, area and bbox changed" % index)
         before, after = polygons_of(old), polygons_of(new)
+        errors += check_area_and_box(index, new, after)
         if any(self_crossing(p) for p in after) or any(
                 outlines_cross(a, b) for a, b in itertools.combinations(after, 2)):
             errors.append("annotation %d: the repaired polygons still cross" % index)

@@ -1,7 +1,14 @@
 #include "input.h"
 
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <sstream>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cntrtmpl/contourt.h>
 #include <cntrtmpl/regionsett.h>
@@ -269,4 +276,91 @@ TEST(LoadShapeFile, Refusals) {
     const std::string array = dir.write("a.json", "[]");
     EXPECT_EQ(load(array), array + ": the document must be a JSON object with \"shapes\" (cntrtool) "
                                    "or \"annotations\" (COCO)");
+}
+
+// ---- the input limit ----
+
+TEST(InputLimit, DefaultIsFourGibibytes) {
+    EXPECT_EQ(cntrtool::kDefaultMaxInput, 4294967296u);  // 4 * 1024 * 1024 * 1024
+}
+
+TEST(InputLimit, RegularFileUpToTheLimitIsRead) {
+    ScratchDir dir;
+    const std::string path = dir.write("ten.txt", "0123456789");
+    const std::vector<unsigned char> bytes = cntrtool::readFileBytes(path, 10);
+    EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "0123456789");
+    EXPECT_EQ(inputErrorOf([&] { cntrtool::readFileBytes(path, 9); }),
+              path + ": too large: 10 bytes; the input limit is 9 bytes (see --max-input)");
+}
+
+TEST(InputLimit, LargerRegularFileIsRefusedBeforeReading) {
+    // A sparse file one byte over the default limit: refused from its size, so the test takes
+    // neither the disk space nor the time that reading it would.
+    ScratchDir dir;
+    const std::string path = dir.file("huge.json");
+    const int fd = ::open(path.c_str(), O_CREAT | O_WRONLY, 0644);
+    ASSERT_GE(fd, 0);
+    const bool grown = ::ftruncate(fd, static_cast<off_t>(cntrtool::kDefaultMaxInput + 1)) == 0;
+    ::close(fd);
+    if (!grown)
+        GTEST_SKIP() << "the file system holds no file of 4 GiB: " << std::strerror(errno);
+    std::ostringstream warnings;
+    EXPECT_EQ(inputErrorOf([&] { cntrtool::loadShapeFile(path, warnings); }),
+              path + ": too large: 4294967297 bytes; the input limit is 4294967296 bytes (see "
+                     "--max-input)");
+}
+
+TEST(InputLimit, EndlessDeviceStopsAtTheLimit) {
+    EXPECT_EQ(inputErrorOf([] { cntrtool::readFileBytes("/dev/zero", 3000000); }),
+              "/dev/zero: the input has not ended: stopped after 3000000 bytes; the input limit "
+              "is 3000000 bytes (see --max-input)");
+}
+
+TEST(InputLimit, EmptyDeviceIsReadAsEmpty) {
+    EXPECT_TRUE(cntrtool::readFileBytes("/dev/null", 10).empty());
+}
+
+// What a FIFO fed `content` gives when read with the limit `maxBytes` (the error message when
+// refused). The content fits in the pipe's buffer, so the writer never waits for the reader.
+std::string readThroughFifo(const std::string& content, std::uint64_t maxBytes) {
+    ScratchDir dir;
+    const std::string fifo = dir.file("pipe");
+    if (::mkfifo(fifo.c_str(), 0600) != 0)
+        return "mkfifo failed";
+    std::thread writer([&] {
+        const int fd = ::open(fifo.c_str(), O_WRONLY);
+        if (fd >= 0) {
+            EXPECT_EQ(::write(fd, content.data(), content.size()),
+                      static_cast<ssize_t>(content.size()));
+            ::close(fd);
+        }
+    });
+    std::string result;
+    const std::string error = inputErrorOf([&] {
+        const std::vector<unsigned char> bytes = cntrtool::readFileBytes(fifo, maxBytes);
+        result.assign(bytes.begin(), bytes.end());
+    });
+    writer.join();
+    return error.empty() ? result : error.substr(fifo.size());
+}
+
+TEST(InputLimit, FifoIsReadToItsEndWithinTheLimit) {
+    const std::string content(3000, 'x');
+    EXPECT_EQ(readThroughFifo(content, 3000), content);
+    EXPECT_EQ(readThroughFifo(content, 2999),
+              ": the input has not ended: stopped after 2999 bytes; the input limit is 2999 "
+              "bytes (see --max-input)");
+}
+
+TEST(LoadArchiveFile, AnythingElseIsNotAnArchive) {
+    ScratchDir dir;
+    const std::string text = dir.write("notes.txt", "hello, not JSON");
+    EXPECT_EQ(inputErrorOf([&] { cntrtool::loadArchiveFile(text); }),
+              text + ": not an archive (unpack reads what pack writes)");
+    const std::string json = dir.write("shapes.json", R"({"shapes": []})");
+    EXPECT_EQ(inputErrorOf([&] { cntrtool::loadArchiveFile(json); }),
+              json + ": not an archive (unpack reads what pack writes)");
+    const auto bytes = archiveOf({xcPtrHandle<xcContour>(new xcContour({{0, 0}, {1, 1}}, true))});
+    const std::string archive = dir.write("a.xca", std::string(bytes.begin(), bytes.end()));
+    EXPECT_EQ(cntrtool::loadArchiveFile(archive).shapes.size(), 1u);
 }

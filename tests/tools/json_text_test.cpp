@@ -63,3 +63,32 @@ TEST(JsonText, NumbersAreTheShortestThatReadBack) {
     EXPECT_EQ(prettyJson(j),
               "[0.30000000000000004, 0.3, 2.0, -1.5e-07, 1e+21, 5e-324, 1.7976931348623157e+308]\n");
 }
+
+TEST(JsonText, RepeatedKeysAreRefusedWithTheirPlace) {
+    const auto errorOf = [](const std::string& text) {
+        return inputErrorOf([&] { parseJson("x.json", text); });
+    };
+    EXPECT_EQ(errorOf(R"({"shapes": [], "shapes": []})"), "x.json: the key \"shapes\" is given twice");
+    EXPECT_EQ(errorOf(R"({"shapes": [{"kind": "region"}, {"kind": "region", "points": [],
+                          "label": 1, "points": []}]})"),
+              "x.json: shape 1: the key \"points\" is given twice");
+    EXPECT_EQ(errorOf(R"({"shapes": [{"kind": "region", "holes": [{"points": []},
+                          {"holes": [{"label": 1, "label": 2}]}]}]})"),
+              "x.json: shape 0, hole 1, hole 0: the key \"label\" is given twice");
+    EXPECT_EQ(errorOf(R"({"shapes": [{"kind": "regionset", "regions": [{}, {}, {"a": 1, "a": 1}]}]})"),
+              "x.json: shape 0, region 2: the key \"a\" is given twice");
+    EXPECT_EQ(errorOf(R"({"images": [{"id": 1}], "annotations": [{"id": 1}, {"id": 2},
+                          {"segmentation": [[0, 0, 1, 0, 1, 1]], "bbox": [0], "bbox": [1]}]})"),
+              "x.json: annotation 2: the key \"bbox\" is given twice");
+    // Inside another array the readers do not name, the place is the shape.
+    EXPECT_EQ(errorOf(R"({"shapes": [{"kind": "contour", "extra": [[{"k": 1, "k": 2}]]}]})"),
+              "x.json: shape 0: the key \"k\" is given twice");
+}
+
+TEST(JsonText, SameKeyInDifferentObjectsIsAccepted) {
+    const Json j = parseJson("x.json", R"({"a": {"k": 1, "b": {"k": 2}}, "c": [{"k": 3}, {"k": 4}], "k": 5})");
+    EXPECT_EQ(j["a"]["k"], 1);
+    EXPECT_EQ(j["a"]["b"]["k"], 2);
+    EXPECT_EQ(j["c"][1]["k"], 4);
+    EXPECT_EQ(j["k"], 5);
+}

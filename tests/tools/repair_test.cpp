@@ -1,5 +1,7 @@
 #include "repair.h"
 
+#include <regex>
+
 #include <gtest/gtest.h>
 
 #include "check.h"
@@ -93,6 +95,37 @@ TEST(Repair, ResultsThatLeaveVerticesOutAreRefused) {
     EXPECT_EQ(r.shape.set.rep(), s.set.rep());
     ASSERT_EQ(r.notes.size(), 1u);
     EXPECT_EQ(r.notes[0].rfind("shape 0: cannot be repaired: the library's result leaves out ", 0), 0u)
+        << r.notes[0];
+}
+
+TEST(Repair, RefusalNamesTheRegionOfTheSetThatLosesVertices) {
+    // The same cross after a square that crosses nothing: the merge leaves corners of both
+    // arms out, and the first arm is now region 1 of the set.
+    const cntrtool::Shape s = shapeOf(R"({"kind": "regionset", "regions": [
+        {"points": [[0, 0], [1, 0], [1, 1], [0, 1]]},
+        {"points": [[21, -27], [27, -27], [27, -25], [21, -25]]},
+        {"points": [[23, -29], [25, -29], [25, -23], [23, -23]]}]})");
+    const RepairResult r = repairShape(s, false);
+    EXPECT_TRUE(r.failed);
+    ASSERT_EQ(r.notes.size(), 1u);
+    EXPECT_EQ(r.notes[0], "shape 0: cannot be repaired: the library's result leaves out 2 of the "
+                          "4 vertices of region 1 (its walk closed an inner loop)");
+}
+
+TEST(Repair, RefusalOfARegionNamesItsOutline) {
+    // A traced outline (annotation 229 of examples/data/coco.json) whose regularisation walks
+    // an inner loop: the message says whose vertices are left out.
+    const cntrtool::Shape s = shapeOf(R"({"kind": "region", "points": [[421.11, 103.61],
+        [399.83, 109.09], [397.37, 118.8], [375.1, 134.44], [362.65, 126.46], [336.79, 82.09],
+        [352.03, 103.58], [353.82, 120.07], [346.35, 71.0], [361.88, 70.08], [375.51, 50.58],
+        [396.75, 64.81], [407.24, 57.26], [413.84, 87.9]]})");
+    const RepairResult r = repairShape(s, false);
+    EXPECT_TRUE(r.failed);
+    ASSERT_EQ(r.notes.size(), 1u);
+    EXPECT_TRUE(std::regex_match(r.notes[0],
+                                 std::regex("shape 0: cannot be repaired: the library's result "
+                                            "leaves out [1-9][0-9]* of the 14 vertices of the "
+                                            "outline \\(its walk closed an inner loop\\)")))
         << r.notes[0];
 }
 

@@ -1,8 +1,10 @@
 #include "cli.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdlib>
+#include <limits>
 
 #include "errors.h"
 #include "output.h"
@@ -17,7 +19,8 @@ struct CommandInfo {
     Command command;
     /// The flags it accepts besides -o and --help.
     std::vector<const char*> flags;
-    /// The options it accepts that take a value ("--digits 3" or "--digits=3").
+    /// The options it accepts that take a value ("--digits 3" or "--digits=3") besides
+    /// --max-input, which every command accepts.
     std::vector<const char*> valueOptions;
     bool needsOutput;
     const char* help;
@@ -73,7 +76,8 @@ const std::vector<CommandInfo>& commands() {
         {"unpack", Command::unpack, {}, {}, true,
          "usage: cntrtool unpack FILE.xca -o OUT.json\n"
          "\n"
-         "Writes the shapes of an archive as the tool's JSON.\n"},
+         "Writes the shapes of an archive as the tool's JSON. Any other file is refused as not an\n"
+         "archive.\n"},
     };
     return list;
 }
@@ -95,7 +99,21 @@ const char* const kOverview =
     "FILE is the tool's JSON (\"shapes\"), a COCO annotation file (\"annotations\") or an\n"
     "archive, told apart by content. `cntrtool COMMAND --help` describes one command.\n"
     "\n"
+    "OUT may be - for standard output. Every command takes --max-input BYTES (default\n"
+    "4294967296, 4 GiB): larger inputs are refused.\n"
+    "\n"
     "exit status: 0 ok, 1 problems found, 2 bad usage or bad input\n";
+
+const char* const kOutputHelp =
+    "\n"
+    "OUT is checked before the work starts. A regular file is replaced only once the whole\n"
+    "content is written; a symbolic link is written through (its final target is replaced); a\n"
+    "device or FIFO is written to as it is; - writes to standard output.\n";
+
+const char* const kInputLimitHelp =
+    "\n"
+    "--max-input BYTES  refuse an input larger than BYTES (default 4294967296, 4 GiB) before\n"
+    "                   reading it; a FIFO or device that has not ended by then is refused too.\n";
 
 const CommandInfo* findCommand(const std::string& name) {
     for (const CommandInfo& c : commands())
@@ -112,6 +130,26 @@ const CommandInfo* findCommand(Command command) {
 }
 
 bool isHelpFlag(const std::string& a) { return a == "--help" || a == "-h"; }
+
+// --max-input's value: a whole number of bytes, at least 1.
+std::uint64_t parseByteCount(const std::string& text, const std::string& seeHelp) {
+    const std::string refusal =
+        "--max-input needs a whole number of bytes from 1 up, not \"" + text + "\"" + seeHelp;
+    if (text.empty() || text.size() > 20)
+        throw UsageError(refusal);
+    std::uint64_t value = 0;
+    for (const char c : text) {
+        if (!std::isdigit(static_cast<unsigned char>(c)))
+            throw UsageError(refusal);
+        const std::uint64_t digit = static_cast<std::uint64_t>(c - '0');
+        if (value > (std::numeric_limits<std::uint64_t>::max() - digit) / 10)
+            throw UsageError(refusal);
+        value = value * 10 + digit;
+    }
+    if (value == 0)
+        throw UsageError(refusal);
+    return value;
+}
 
 void setFlag(Options& o, const std::string& flag) {
     if (flag == "--json")
@@ -142,19 +180,26 @@ int integerValue(const std::string& option, const std::string& text, int low, in
 
 void setValue(Options& o, const std::string& option, const std::string& value,
               const std::string& seeHelp) {
-    if (option == "--digits")
+    if (option == "--max-input")
+        o.maxInput = parseByteCount(value, seeHelp);
+    else if (option == "--digits")
         o.digits = integerValue(option, value, kMinDigits, kMaxDigits, seeHelp);
     else if (option == "--width")
         o.width = integerValue(option, value, kMinWidth, kMaxWidth, seeHelp);
 }
 
-// The option of `info` that `arg` names, as "--name" or "--name=value"; null when none does.
+// The options every command accepts that take a value.
+const std::vector<const char*> kCommonValueOptions = {"--max-input"};
+
+// The option of `info` (or common to every command) that `arg` names, as "--name" or
+// "--name=value"; null when none does.
 const char* valueOptionOf(const CommandInfo& info, const std::string& arg) {
-    for (const char* name : info.valueOptions) {
-        const std::string n = name;
-        if (arg == n || arg.rfind(n + "=", 0) == 0)
-            return name;
-    }
+    for (const std::vector<const char*>* names : {&kCommonValueOptions, &info.valueOptions})
+        for (const char* name : *names) {
+            const std::string n = name;
+            if (arg == n || arg.rfind(n + "=", 0) == 0)
+                return name;
+        }
     return nullptr;
 }
 
@@ -248,7 +293,9 @@ Options parseCommandLine(const std::vector<std::string>& args) {
 
 std::string helpText(Command command) {
     const CommandInfo* info = findCommand(command);
-    return info != nullptr ? info->help : kOverview;
+    if (info == nullptr)
+        return kOverview;
+    return std::string(info->help) + (info->needsOutput ? kOutputHelp : "") + kInputLimitHelp;
 }
 
 }  // namespace cntrtool

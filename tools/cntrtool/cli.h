@@ -2,8 +2,11 @@
 #ifndef CNTRTOOL_CLI_H
 #define CNTRTOOL_CLI_H
 
+#include <cstdint>
 #include <string>
 #include <vector>
+
+#include "input.h"
 
 namespace cntrtool {
 
@@ -15,6 +18,8 @@ struct Options {
     Command helpFor = Command::help;
     std::string input;
     std::string output;
+    /// The largest input read (--max-input).
+    std::uint64_t maxInput = kDefaultMaxInput;
     bool json = false;
     bool outerHull = false;
     bool hull = false;

@@ -24,13 +24,20 @@ namespace {
 
 struct Context {
     const Options& options;
+    const OutputTarget& output;
     const ShapeFile& file;
     std::ostream& out;
     std::ostream& err;
     bool errIsTerminal;
 
     void warn(const std::string& text) const {
-        err << "cntrtool: warning: " << file.path << ": " << text << '\n';
+        err << "cntrtool: warning: " << file.path << ": " << withHoleChainsShortened(text) << '\n';
+    }
+    void write(const std::string& content) const { writeOutput(output, content, out); }
+    // The closing line of a command that writes a file; on stderr when the content went to
+    // standard output, so that it does not mix with it.
+    void summarise(const std::string& line) const {
+        (output.way == OutputTarget::Way::standardOutput ? err : out) << line << '\n';
     }
 };
 
@@ -59,12 +66,15 @@ int checkCommand(const Context& c) {
         progress.step();
     }
     progress.finish();
+    for (Problem& p : problems)
+        p.text = withHoleChainsShortened(p.text);
     printProblems(c.out, problems, c.file.shapes.size());
     return problems.empty() ? kExitOk : kExitProblems;
 }
 
 int repairCommand(const Context& c) {
-    Progress progress(c.err, "repaired", c.file.shapes.size(), c.errIsTerminal);
+    // "processed": most shapes need no repair, and the closing line counts those repaired.
+    Progress progress(c.err, "processed", c.file.shapes.size(), c.errIsTerminal);
     std::vector<Shape> shapes;
     std::vector<bool> changed;
     std::size_t repairedCount = 0, failedCount = 0;
@@ -80,13 +90,15 @@ int repairCommand(const Context& c) {
     }
     progress.finish();
     std::vector<std::string> lost;
-    writeFileAtomically(c.options.output, contentInFormat(c.file, shapes, changed, lost));
+    c.write(contentInFormat(c.file, shapes, changed, lost));
     for (const std::string& l : lost)
         c.warn(l);
-    c.out << "repaired " << repairedCount << " of " << shapes.size() << " shapes";
+    std::string summary =
+        "repaired " + std::to_string(repairedCount) + " of " + std::to_string(shapes.size()) +
+        " shapes";
     if (failedCount > 0)
-        c.out << ", " << failedCount << " could not be repaired";
-    c.out << "; wrote " << c.options.output << '\n';
+        summary += ", " + std::to_string(failedCount) + " could not be repaired";
+    c.summarise(summary + "; wrote " + c.options.output);
     return failedCount > 0 || !lost.empty() ? kExitProblems : kExitOk;
 }
 
@@ -110,26 +122,26 @@ int renderCommand(const Context& c) {
     }
     if (svg.skipped > 0)
         c.warn(std::to_string(svg.skipped) + " segments with non-finite ends skipped");
-    writeFileAtomically(c.options.output, svg.document);
-    c.out << "drew " << c.file.shapes.size() << " shapes (" << svg.segments
-          << " segments); wrote " << c.options.output << '\n';
+    c.write(svg.document);
+    c.summarise("drew " + std::to_string(c.file.shapes.size()) + " shapes (" +
+                std::to_string(svg.segments) + " segments); wrote " + c.options.output);
     return kExitOk;
 }
 
 int packCommand(const Context& c) {
     std::vector<std::string> lost;
-    writeFileAtomically(c.options.output, archiveContent(c.file.path, c.file.shapes, lost));
+    c.write(archiveContent(c.file.path, c.file.shapes, lost));
     for (const std::string& l : lost)
         c.warn(l);
-    c.out << "packed " << c.file.shapes.size() << " shapes; wrote " << c.options.output << '\n';
+    c.summarise("packed " + std::to_string(c.file.shapes.size()) + " shapes; wrote " +
+                c.options.output);
     return lost.empty() ? kExitOk : kExitProblems;
 }
 
 int unpackCommand(const Context& c) {
-    if (c.file.format != FileFormat::archive)
-        throw InputError(c.file.path, "not an archive (unpack reads what pack writes)");
-    writeFileAtomically(c.options.output, prettyJson(toolDocument(c.file.shapes)));
-    c.out << "unpacked " << c.file.shapes.size() << " shapes; wrote " << c.options.output << '\n';
+    c.write(prettyJson(toolDocument(c.file.shapes)));
+    c.summarise("unpacked " + std::to_string(c.file.shapes.size()) + " shapes; wrote " +
+                c.options.output);
     return kExitOk;
 }
 
@@ -145,8 +157,12 @@ int runCommand(const Options& options, std::ostream& out, std::ostream& err,
         default:
             break;
     }
-    const ShapeFile file = loadShapeFile(options.input, err);
-    const Context c{options, file, out, err, errIsTerminal};
+    // An output that cannot be written is found before the work, not after it.
+    const OutputTarget output = options.output.empty() ? OutputTarget{} : prepareOutput(options.output);
+    const ShapeFile file = options.command == Command::unpack
+                               ? loadArchiveFile(options.input, options.maxInput)
+                               : loadShapeFile(options.input, err, options.maxInput);
+    const Context c{options, output, file, out, err, errIsTerminal};
     switch (options.command) {
         case Command::measure:
             return measureCommand(c);
@@ -174,7 +190,7 @@ int run(const std::vector<std::string>& args, std::ostream& out, std::ostream& e
     } catch (const UsageError& e) {
         err << "cntrtool: " << e.what() << '\n';
     } catch (const ToolError& e) {
-        err << "cntrtool: " << e.what() << '\n';
+        err << "cntrtool: " << withHoleChainsShortened(e.what()) << '\n';
     } catch (const std::bad_alloc&) {
         err << "cntrtool: out of memory\n";
     } catch (const std::exception& e) {

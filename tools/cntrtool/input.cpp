@@ -1,13 +1,14 @@
 #include "input.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <sstream>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cntrtmpl/contourt.h>
 #include <cntrtmpl/regionsett.h>
@@ -26,22 +27,6 @@ namespace {
 using EdgeletRegion = xcRegionT<xcEdgelet>;
 using EdgeletContour = xcContourT<xcEdgelet>;
 using EdgeletRegionSet = xcRegionSetT<xcEdgelet>;
-
-std::vector<unsigned char> readFileBytes(const std::string& path) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0)
-        throw InputError(path, std::string("cannot open: ") + std::strerror(errno));
-    if (S_ISDIR(info.st_mode))
-        throw InputError(path, "cannot open: is a directory");
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
-        throw InputError(path, std::string("cannot open: ") + std::strerror(errno));
-    std::vector<unsigned char> bytes((std::istreambuf_iterator<char>(in)),
-                                     std::istreambuf_iterator<char>());
-    if (in.bad())
-        throw InputError(path, "cannot read");
-    return bytes;
-}
 
 bool looksLikeArchive(const std::vector<unsigned char>& bytes) {
     return bytes.size() >= sizeof xcArchive::kMagic &&
@@ -334,7 +319,71 @@ void requireFiniteCoordinates(const Shape& shape, const JsonPlace& place) {
     });
 }
 
+// Closes the descriptor on every way out.
+class OpenFile {
+  public:
+    explicit OpenFile(int fd) : fd_(fd) {}
+    ~OpenFile() { ::close(fd_); }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+  private:
+    int fd_;
+};
+
+std::string limitAdvice(std::uint64_t maxBytes) {
+    return "the input limit is " + std::to_string(maxBytes) + " bytes (see --max-input)";
+}
+
+// Reads until the end, or until more than `maxBytes` have come (which is refused).
+std::vector<unsigned char> readUpTo(int fd, const std::string& path, std::uint64_t maxBytes,
+                                    bool regular, std::size_t expectedSize) {
+    constexpr std::size_t kChunk = std::size_t(1) << 20;
+    std::vector<unsigned char> bytes;
+    bytes.reserve(expectedSize + 1);
+    for (;;) {
+        // Never more than one byte past the limit: enough to know that it was passed.
+        const std::uint64_t room = maxBytes - bytes.size();
+        const std::size_t want = room >= kChunk ? kChunk : static_cast<std::size_t>(room) + 1;
+        const std::size_t before = bytes.size();
+        bytes.resize(before + want);
+        const ssize_t n = ::read(fd, bytes.data() + before, want);
+        if (n < 0 && errno == EINTR) {
+            bytes.resize(before);
+            continue;
+        }
+        if (n < 0)
+            throw InputError(path, std::string("cannot read: ") + std::strerror(errno));
+        bytes.resize(before + static_cast<std::size_t>(n));
+        if (n == 0)
+            return bytes;
+        if (bytes.size() > maxBytes)
+            throw InputError(path, std::string(regular ? "the file grew while it was read"
+                                                       : "the input has not ended") +
+                                       ": stopped after " + std::to_string(maxBytes) +
+                                       " bytes; " + limitAdvice(maxBytes));
+    }
+}
+
 }  // namespace
+
+std::vector<unsigned char> readFileBytes(const std::string& path, std::uint64_t maxBytes) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        throw InputError(path, std::string("cannot open: ") + std::strerror(errno));
+    const OpenFile file(fd);
+    struct stat info {};
+    if (::fstat(fd, &info) != 0)
+        throw InputError(path, std::string("cannot open: ") + std::strerror(errno));
+    if (S_ISDIR(info.st_mode))
+        throw InputError(path, "cannot open: is a directory");
+    const bool regular = S_ISREG(info.st_mode);
+    if (regular && static_cast<std::uint64_t>(info.st_size) > maxBytes)
+        throw InputError(path, "too large: " + std::to_string(info.st_size) + " bytes; " +
+                                   limitAdvice(maxBytes));
+    return readUpTo(fd, path, maxBytes, regular,
+                    regular ? static_cast<std::size_t>(info.st_size) : 0);
+}
 
 std::vector<Shape> readToolJson(const std::string& path, const Json& document) {
     const JsonPlace top{path, ""};
@@ -397,10 +446,10 @@ std::vector<Shape> readArchive(const std::string& path, const std::vector<unsign
     return shapes;
 }
 
-ShapeFile loadShapeFile(const std::string& path, std::ostream& warnings) {
+ShapeFile loadShapeFile(const std::string& path, std::ostream& warnings, std::uint64_t maxBytes) {
     ShapeFile file;
     file.path = path;
-    const std::vector<unsigned char> bytes = readFileBytes(path);
+    const std::vector<unsigned char> bytes = readFileBytes(path, maxBytes);
     if (looksLikeArchive(bytes)) {
         file.format = FileFormat::archive;
         file.shapes = readArchive(path, bytes);
@@ -420,6 +469,17 @@ ShapeFile loadShapeFile(const std::string& path, std::ostream& warnings) {
         throw InputError(path, "neither a cntrtool file (no \"shapes\" array) nor a COCO file "
                                "(no \"annotations\" array)");
     }
+    return file;
+}
+
+ShapeFile loadArchiveFile(const std::string& path, std::uint64_t maxBytes) {
+    const std::vector<unsigned char> bytes = readFileBytes(path, maxBytes);
+    if (!looksLikeArchive(bytes))
+        throw InputError(path, "not an archive (unpack reads what pack writes)");
+    ShapeFile file;
+    file.path = path;
+    file.format = FileFormat::archive;
+    file.shapes = readArchive(path, bytes);
     return file;
 }
 

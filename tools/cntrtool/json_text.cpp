@@ -4,7 +4,9 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "errors.h"
 #include "input.h"
@@ -77,6 +79,86 @@ std::string withoutExceptionTag(const std::string& message) {
     return message;
 }
 
+// Follows a parse to refuse an object that repeats a key: the parser would keep the last value
+// and silently drop the others. Messages name the place as the shape readers do.
+class RepeatedKeyGuard {
+  public:
+    explicit RepeatedKeyGuard(const std::string& path) : path_(path) {}
+
+    bool operator()(Json::parse_event_t event, const Json& parsed) {
+        switch (event) {
+            case Json::parse_event_t::object_start:
+            case Json::parse_event_t::array_start:
+                countElement();
+                frames_.push_back(Frame{event == Json::parse_event_t::object_start});
+                break;
+            case Json::parse_event_t::object_end:
+            case Json::parse_event_t::array_end:
+                frames_.pop_back();
+                break;
+            case Json::parse_event_t::key:
+                takeKey(parsed.get_ref<const std::string&>());
+                break;
+            case Json::parse_event_t::value:
+                countElement();
+                break;
+        }
+        return true;
+    }
+
+  private:
+    struct Frame {
+        explicit Frame(bool isObject) : object(isObject) {}
+        bool object;
+        std::set<std::string> keys = {};
+        std::string lastKey = {};
+        std::size_t elements = 0;
+    };
+
+    void countElement() {
+        if (!frames_.empty() && !frames_.back().object)
+            ++frames_.back().elements;
+    }
+
+    void takeKey(const std::string& key) {
+        Frame& frame = frames_.back();
+        if (!frame.keys.insert(key).second) {
+            const std::string where = place();
+            throw InputError(path_, (where.empty() ? "" : where + ": ") + "the key \"" + key +
+                                        "\" is given twice");
+        }
+        frame.lastKey = key;
+    }
+
+    // "shape 3, hole 1": the elements of the arrays that the readers name, down to the object
+    // being read.
+    std::string place() const {
+        std::string where;
+        for (std::size_t d = 1; d < frames_.size(); ++d) {
+            const Frame& parent = frames_[d - 1];
+            const char* name = parent.object ? elementName(parent.lastKey) : nullptr;
+            if (name == nullptr || frames_[d].object || frames_[d].elements == 0)
+                continue;
+            where += (where.empty() ? "" : ", ") + std::string(name) + " " +
+                     std::to_string(frames_[d].elements - 1);
+        }
+        return where;
+    }
+
+    static const char* elementName(const std::string& arrayKey) {
+        static const std::pair<const char*, const char*> names[] = {
+            {"shapes", "shape"},   {"annotations", "annotation"}, {"holes", "hole"},
+            {"regions", "region"}, {"segmentation", "polygon"}};
+        for (const auto& [key, name] : names)
+            if (arrayKey == key)
+                return name;
+        return nullptr;
+    }
+
+    const std::string& path_;
+    std::vector<Frame> frames_;
+};
+
 bool isScalar(const Json& j) { return !j.is_object() && !j.is_array(); }
 
 // Arrays of scalars and arrays of such arrays (points, polygons, matrices) go on one line.
@@ -148,7 +230,11 @@ void printJson(const Json& j, int indent, std::string& out) {
 
 Json parseJson(const std::string& path, const std::string& text) {
     try {
-        return Json::parse(markNonFiniteNumbers(text));
+        RepeatedKeyGuard guard(path);
+        return Json::parse(markNonFiniteNumbers(text),
+                           [&guard](int, Json::parse_event_t event, Json& parsed) {
+                               return guard(event, parsed);
+                           });
     } catch (const nlohmann::json::exception& e) {
         throw InputError(path, "malformed JSON: " + withoutExceptionTag(e.what()));
     }

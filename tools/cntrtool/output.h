@@ -1,4 +1,4 @@
-// Writing results: number formatting, files replaced only when complete, progress reports.
+// Writing results: number formatting, outputs that replace only what they may, progress reports.
 #ifndef CNTRTOOL_OUTPUT_H
 #define CNTRTOOL_OUTPUT_H
 
@@ -25,6 +25,35 @@ double roundToDigits(double value, int digits);
 /// so `path` is either left as it was or holds the whole content. Throws InputError naming
 /// `path` when the file cannot be written.
 void writeFileAtomically(const std::string& path, const std::string& content);
+
+/// Where a command writes its result, decided from the -o argument before any work is done.
+struct OutputTarget {
+    enum class Way {
+        /// "-": the content goes to the tool's standard output.
+        standardOutput,
+        /// A regular file, or none yet: a temporary file beside it is renamed onto it.
+        replaceFile,
+        /// A device node or a FIFO: written to directly, never replaced.
+        writeInPlace
+    };
+    /// The name given on the command line, for messages.
+    std::string name;
+    /// The file that receives the content: `name` with its symbolic links followed (the end of
+    /// a dangling link does not exist yet).
+    std::string file;
+    Way way = Way::replaceFile;
+};
+
+/// How `name` is to be written: "-" is standard output; symbolic links are followed to the
+/// file they end at; an existing device node or FIFO is written in place; anything else is a
+/// file replaced whole. Throws InputError naming `name` when it cannot be written: it is a
+/// directory or a socket, its directory does not exist or may not be written, or it exists
+/// and may not be written.
+OutputTarget prepareOutput(const std::string& name);
+
+/// Writes `content` to `target` (standard output being `out`). Throws InputError naming the
+/// target when it cannot be written; a replaced file is then left as it was.
+void writeOutput(const OutputTarget& target, const std::string& content, std::ostream& out);
 
 /// A count and a rate on stderr for long runs: refreshed in place on a terminal, plain lines
 /// (at most one a second) otherwise, and a closing line. Silent for runs of at most

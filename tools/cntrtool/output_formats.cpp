@@ -1,5 +1,7 @@
 #include "output_formats.h"
 
+#include <algorithm>
+
 #include <cntrtmpl/contourt.h>
 #include <foundation/archive.h>
 #include <foundation/xform.h>
@@ -84,14 +86,39 @@ Json contourJson(const xcContour& contour) {
     return j;
 }
 
-Json cocoSegmentation(const Shape& shape) {
-    Json polygons = Json::array();
+// The regions that a COCO annotation's polygons stand for.
+std::vector<xcPtrHandle_const<xcRegion>> cocoRegions(const Shape& shape) {
     if (shape.kind == ShapeKind::region)
-        polygons.push_back(flatPolygon(shape.region->points()));
-    else
-        for (const auto& r : regionsOf(*shape.set))
-            polygons.push_back(flatPolygon(r->points()));
-    return polygons;
+        return {shape.region};
+    return regionsOf(*shape.set);
+}
+
+// COCO's "bbox": [x, y, width, height] round every point.
+Json boundingBox(const std::vector<xcVector<2>>& points) {
+    if (points.empty())
+        return Json::array({0, 0, 0, 0});
+    const auto byX = [](const xcVector<2>& a, const xcVector<2>& b) { return a.x() < b.x(); };
+    const auto byY = [](const xcVector<2>& a, const xcVector<2>& b) { return a.y() < b.y(); };
+    const auto [left, right] = std::minmax_element(points.begin(), points.end(), byX);
+    const auto [bottom, top] = std::minmax_element(points.begin(), points.end(), byY);
+    return Json::array(
+        {left->x(), bottom->y(), right->x() - left->x(), top->y() - bottom->y()});
+}
+
+// A repaired annotation: its polygons, and the "area" (the sum of the polygons' areas) and
+// "bbox" that describe them, so that neither keeps describing the shape before its repair.
+void setCocoAnnotation(Json& annotation, const Shape& shape) {
+    Json polygons = Json::array();
+    double area = 0.0;
+    std::vector<xcVector<2>> allPoints;
+    for (const auto& r : cocoRegions(shape)) {
+        polygons.push_back(flatPolygon(r->points()));
+        area += r->area(false);
+        allPoints.insert(allPoints.end(), r->points().begin(), r->points().end());
+    }
+    annotation["segmentation"] = polygons;
+    annotation["area"] = area;
+    annotation["bbox"] = boundingBox(allPoints);
 }
 
 }  // namespace
@@ -172,7 +199,7 @@ std::string contentInFormat(const ShapeFile& input, const std::vector<Shape>& sh
         if (input.format == FileFormat::toolJson)
             document["shapes"][shapes[i].index] = shapeToJson(shapes[i]);
         else
-            document["annotations"][shapes[i].index]["segmentation"] = cocoSegmentation(shapes[i]);
+            setCocoAnnotation(document["annotations"][shapes[i].index], shapes[i]);
     }
     return prettyJson(document);
 }

@@ -25,8 +25,8 @@ std::string archiveContent(const std::string& path, const std::vector<Shape>& sh
 
 /// The content of a file in `input`'s format holding `shapes`, which stand one for one for the
 /// input's shapes. For JSON inputs the input's document is kept and only the shapes marked in
-/// `changed` are replaced (a COCO annotation's "segmentation", nothing else of it). `lost` as
-/// for archiveContent.
+/// `changed` are replaced (a COCO annotation's "segmentation", with its "area" and "bbox"
+/// computed anew, nothing else of it). `lost` as for archiveContent.
 std::string contentInFormat(const ShapeFile& input, const std::vector<Shape>& shapes,
                             const std::vector<bool>& changed, std::vector<std::string>& lost);
 

@@ -27,18 +27,22 @@ std::vector<xcPtrHandle_const<xcRegion>> allHoles(const xcRegion& region, const 
 // and left part of the shape out.
 constexpr double kCoverTolerance = 1e-6;
 
-// Throws when `distance` puts some of `points` outside the result.
+// Throws when `distance` puts some of `points`, the vertices of the outline that `part` names,
+// outside the result.
 template <class Distance>
-void requireCovered(const std::vector<xcVector<2>>& points, Distance&& distance) {
+void requireCovered(const std::vector<xcVector<2>>& points, const std::string& part,
+                    Distance&& distance) {
     std::size_t left = 0;
     for (const xcVector<2>& p : points)
         if (!(distance(p) <= kCoverTolerance))
             ++left;
     if (left > 0)
         throw std::runtime_error("the library's result leaves out " + std::to_string(left) +
-                                 " of the " + std::to_string(points.size()) +
-                                 " outline vertices (its walk closed an inner loop)");
+                                 " of the " + std::to_string(points.size()) + " vertices of " +
+                                 part + " (its walk closed an inner loop)");
 }
+
+std::string partName(const std::string& where) { return where.empty() ? "the outline" : where; }
 
 class Repairer {
   public:
@@ -71,7 +75,7 @@ class Repairer {
                 original->outerHull(*repaired);
             else
                 original->regularize(*repaired);
-            requireCovered(original->points(), [&repaired](const xcVector<2>& p) {
+            requireCovered(original->points(), partName(where), [&repaired](const xcVector<2>& p) {
                 return repaired->distToPoint(p, false, false, true);
             });
         } else {
@@ -99,10 +103,11 @@ class Repairer {
                 merged.regularize(next);
             merged = next;
         }
-        for (const auto& m : members)
-            requireCovered(m->points(), [&merged](const xcVector<2>& p) {
-                return merged.distToPoint(p, false, false, true);
-            });
+        for (std::size_t i = 0; i < members.size(); ++i)
+            requireCovered(members[i]->points(), "region " + std::to_string(i),
+                           [&merged](const xcVector<2>& p) {
+                               return merged.distToPoint(p, false, false, true);
+                           });
         std::vector<xcPtrHandle_const<xcRegion>> regions;
         std::size_t holesBefore = 0, holesAfter = 0;
         for (const auto& m : members)
@@ -146,8 +151,7 @@ class Repairer {
             for (const auto& h : holes)
                 kept.emplace_back(new xcRegion(*h));
             result_.shape.refused.push_back(RefusedHoles{where, kept, e.what()});
-            note(std::to_string(holes.size()) + " holes of " +
-                 (where.empty() ? std::string("the outline") : where) +
+            note(std::to_string(holes.size()) + " holes of " + partName(where) +
                  " cross the repaired outline and are kept aside");
         }
     }

@@ -1,5 +1,8 @@
 #include "shapes.h"
 
+#include <algorithm>
+#include <cctype>
+
 #include <cntr/contourdefs.h>
 
 namespace cntrtool {
@@ -26,7 +29,62 @@ void visitRegion(const xcRegion& region, const std::string& where, bool isHole,
     }
 }
 
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// The end of "hole N" at `i`, or `i` when there is none.
+std::size_t holeStepEnd(const std::string& text, std::size_t i) {
+    static const std::string kHole = "hole ";
+    if (text.compare(i, kHole.size(), kHole) != 0)
+        return i;
+    std::size_t end = i + kHole.size();
+    while (end < text.size() && isDigit(text[end]))
+        ++end;
+    return end == i + kHole.size() ? i : end;
+}
+
+// The steps ("hole 4") of the chain of holes that starts at `i`; `end` is set past it.
+std::vector<std::string> holeChainAt(const std::string& text, std::size_t i, std::size_t& end) {
+    static const std::string kComma = ", ";
+    std::vector<std::string> steps;
+    end = i;
+    if (i > 0 && std::isalnum(static_cast<unsigned char>(text[i - 1])))
+        return steps;  // inside a word
+    for (std::size_t at = i;;) {
+        const std::size_t stepEnd = holeStepEnd(text, at);
+        if (stepEnd == at)
+            return steps;
+        steps.push_back(text.substr(at, stepEnd - at));
+        end = stepEnd;
+        if (text.compare(stepEnd, kComma.size(), kComma) != 0)
+            return steps;
+        at = stepEnd + kComma.size();
+    }
+}
+
+std::string shortChain(const std::vector<std::string>& steps) {
+    const bool same = std::all_of(steps.begin(), steps.end(),
+                                  [&steps](const std::string& s) { return s == steps.front(); });
+    return (same ? steps.front() : steps.front() + ", ..., " + steps.back()) + " (" +
+           std::to_string(steps.size()) + " levels deep)";
+}
+
 }  // namespace
+
+std::string withHoleChainsShortened(const std::string& text) {
+    std::string out;
+    out.reserve(text.size());
+    std::size_t i = 0;
+    while (i < text.size()) {
+        std::size_t end = i;
+        const std::vector<std::string> steps = holeChainAt(text, i, end);
+        if (steps.size() > kSpelledOutHoleDepth)
+            out += shortChain(steps);
+        else
+            out.append(text, i, std::max(end, i + 1) - i);
+        i = std::max(end, i + 1);
+    }
+    return out;
+}
 
 const char* kindName(ShapeKind kind) {
     switch (kind) {

@@ -74,6 +74,15 @@ struct OutlineRef {
 /// or, for a set, each region so in turn.
 void forEachOutline(const Shape& shape, const std::function<void(const OutlineRef&)>& visit);
 
+/// Chains of nested holes longer than this are shortened in messages.
+constexpr std::size_t kSpelledOutHoleDepth = 3;
+
+/// `text` with every chain of more than kSpelledOutHoleDepth nested holes ("hole 0, hole 0,
+/// ...", as the paths of `where` spell them) told by its depth: "hole 0 (66 levels deep)"
+/// when every step is the same hole, "hole 2, ..., hole 0 (66 levels deep)" (first and last)
+/// otherwise.
+std::string withHoleChainsShortened(const std::string& text);
+
 /// The number of vertices of every outline of the shape (holes included).
 std::size_t vertexCount(const Shape& shape);
 /// The number of holes directly held by the shape's regions (a hole's own holes not counted),
