@@ -101,6 +101,34 @@ TEST(CommandLine, UnknownCommandIsRefused) {
 
 TEST(CommandLine, Version) { EXPECT_EQ(parseCommandLine({"--version"}).command, Command::version); }
 
+TEST(CommandLine, DigitsOfMeasure) {
+    EXPECT_EQ(parseCommandLine({"measure", "a.json"}).digits, 0);
+    EXPECT_EQ(parseCommandLine({"measure", "a.json", "--digits", "4"}).digits, 4);
+    EXPECT_EQ(parseCommandLine({"measure", "--digits=17", "a.json", "--json"}).digits, 17);
+    EXPECT_EQ(usageErrorOf({"measure", "a.json", "--digits", "0"}),
+              "--digits needs a whole number from 1 to 17, not \"0\"; see cntrtool measure --help");
+    EXPECT_EQ(usageErrorOf({"measure", "a.json", "--digits", "3x"}),
+              "--digits needs a whole number from 1 to 17, not \"3x\"; see cntrtool measure --help");
+    EXPECT_EQ(usageErrorOf({"measure", "a.json", "--digits"}),
+              "--digits needs a value; see cntrtool measure --help");
+    EXPECT_EQ(usageErrorOf({"check", "a.json", "--digits", "3"}),
+              "unknown option --digits for check; see cntrtool check --help");
+}
+
+TEST(CommandLine, WidthAndYDownOfRender) {
+    const Options r = parseCommandLine({"render", "a", "-o", "b.svg", "--y-down", "--width", "640"});
+    EXPECT_TRUE(r.yDown);
+    EXPECT_EQ(r.width, 640);
+    EXPECT_EQ(parseCommandLine({"render", "a", "-o", "b.svg", "--width=16"}).width, 16);
+    EXPECT_EQ(parseCommandLine({"render", "a", "-o", "b.svg"}).width, 0);
+    EXPECT_EQ(usageErrorOf({"render", "a", "-o", "b.svg", "--width", "100001"}),
+              "--width needs a whole number from 16 to 100000, not \"100001\"; see cntrtool render "
+              "--help");
+    EXPECT_EQ(usageErrorOf({"render", "a", "-o", "b.svg", "--width", "-5"}),
+              "--width needs a whole number from 16 to 100000, not \"-5\"; see cntrtool render "
+              "--help");
+}
+
 TEST(CommandLine, MaxInputTakesAWholeNumberOfBytes) {
     EXPECT_EQ(parseCommandLine({"measure", "x.json"}).maxInput, 4294967296u);
     EXPECT_EQ(parseCommandLine({"measure", "x.json", "--max-input", "1000"}).maxInput, 1000u);
@@ -121,4 +149,25 @@ TEST(CommandLine, HelpDescribesTheInputLimitAndStandardOutput) {
     EXPECT_NE(cntrtool::helpText(Command::repair).find("- writes to standard output"),
               std::string::npos);
     EXPECT_EQ(cntrtool::helpText(Command::check).find("standard output"), std::string::npos);
+}
+
+TEST(CommandLine, MaxInputGoesWithEveryCommandAndItsOwnValueOptions) {
+    for (const char* command : {"measure", "check"})
+        EXPECT_EQ(parseCommandLine({command, "x", "--max-input", "5"}).maxInput, 5u) << command;
+    for (const char* command : {"repair", "render", "pack", "unpack"})
+        EXPECT_EQ(parseCommandLine({command, "x", "--max-input=6", "-o", "y"}).maxInput, 6u)
+            << command;
+    const Options m = parseCommandLine({"measure", "a.json", "--digits", "4", "--max-input=10"});
+    EXPECT_EQ(m.digits, 4);
+    EXPECT_EQ(m.maxInput, 10u);
+    const Options r =
+        parseCommandLine({"render", "a", "--max-input", "20", "-o", "b.svg", "--width=640"});
+    EXPECT_EQ(r.width, 640);
+    EXPECT_EQ(r.maxInput, 20u);
+    EXPECT_EQ(usageErrorOf({"render", "a", "-o", "b.svg", "--max-input", "0"}),
+              "--max-input needs a whole number of bytes from 1 up, not \"0\"; see cntrtool render "
+              "--help");
+    // After "--" it is a file name.
+    EXPECT_EQ(parseCommandLine({"check", "--", "--max-input"}).input, "--max-input");
+    EXPECT_NE(cntrtool::helpText(Command::render).find("--max-input BYTES"), std::string::npos);
 }

@@ -284,3 +284,27 @@ TEST(Commands, DeepHolesAreNamedByTheirDepth) {
                                ": shape 0, hole 0 (65 levels deep): holes nested deeper than 64 "
                                "levels\n");
 }
+
+TEST(Commands, RenderWritesItsPictureToStandardOutputAsToAFile) {
+    // The picture drawn to "-" is the one drawn to a file, byte for byte, with its size and
+    // background; the closing line goes to stderr.
+    ScratchDir dir;
+    const auto toFile = runTool({"render", kShapes, "-o", dir.file("s.svg"), "--width", "640"});
+    const auto toOut = runTool({"render", kShapes, "-o", "-", "--width", "640", "--y-down"});
+    const auto toOutUp = runTool({"render", kShapes, "--width=640", "-o", "-"});
+    ASSERT_EQ(toFile.status, cntrtool::kExitOk) << toFile.err;
+    ASSERT_EQ(toOutUp.status, cntrtool::kExitOk) << toOutUp.err;
+    EXPECT_EQ(toOutUp.out, readFile(dir.file("s.svg")));
+    EXPECT_NE(toOutUp.out.find("<svg xmlns=\"http://www.w3.org/2000/svg\" version=\"1.1\" "
+                               "width=\"640\""),
+              std::string::npos);
+    EXPECT_NE(toOutUp.out.find("fill=\"#ffffff\""), std::string::npos);
+    EXPECT_TRUE(std::regex_search(
+        toOutUp.err, std::regex("drew 12 shapes \\([0-9]+ segments\\); wrote -\n$")))
+        << toOutUp.err;
+    // --y-down draws the same segments without the flip of the y axis.
+    ASSERT_EQ(toOut.status, cntrtool::kExitOk) << toOut.err;
+    EXPECT_NE(toOut.out, toOutUp.out);
+    EXPECT_EQ(toOut.out.find("scale(1,-1)"), std::string::npos);
+    EXPECT_NE(toOutUp.out.find("scale(1,-1)"), std::string::npos);
+}

@@ -17,7 +17,14 @@ import math
 import re
 import sys
 
-TOLERANCE = 1e-6  # relative, on values printed with 9 significant digits
+# Relative: the report writes every double exactly, so what remains is the difference between
+# two summation orders of the same formulas.
+TOLERANCE = 1e-9
+# The library's centroid of a polygon is (0, 0) by convention when its cross products sum to
+# within this of 0; the tool then reports none.
+CENTROID_THRESHOLD = 1e-6
+MEASURES = ("length", "area", "area_without_holes", "centroid", "inertia", "moment_ellipse",
+            "fitted_ellipse", "hull_area", "diameter", "self_intersecting")
 
 
 def polygons_of(annotation):
@@ -112,6 +119,14 @@ def covered(p, poly):
     return inside
 
 
+def degenerate_text(poly):
+    area = abs(signed_area(poly))
+    if area == 0:
+        return "encloses no area (its net area is 0): it has no centroid"
+    return ("encloses an area of %.6g, below the library's centroid threshold (cross products "
+            "summing to within 1e-6 of 0): it has no centroid" % area)
+
+
 def check_area_and_box(index, annotation, polygons):
     """A repaired annotation's area is its polygons' (they no longer cross, so each one's
     absolute shoelace area), its bbox the box round their vertices."""
@@ -193,19 +208,30 @@ def main():
         want = {"length": sum(perimeter(p) for p in polys), "area": total,
                 "area_without_holes": total, "hull_area": hull_area(points),
                 "diameter": diameter(points)}
-        if not any(crossing):  # a crossing outline's net area is not its absolute shoelace value
+        degenerate = [2 * abs(signed_area(p)) <= CENTROID_THRESHOLD for p in polys]
+        if any(d and a != 0 for d, a in zip(degenerate, areas)) or total == 0:
+            if s["centroid"] is not None:
+                errors.append("annotation %d: centroid %r of a degenerate area" % (index, s["centroid"]))
+        elif not any(crossing):  # a crossing outline's net area is not its absolute shoelace value
             want["centroid_x"], want["centroid_y"] = cx, cy
-        got = dict(s, centroid_x=s["centroid"][0], centroid_y=s["centroid"][1])
+        for field in MEASURES:
+            if s[field] is None and field not in s.get("unavailable", {}):
+                errors.append("annotation %d: %s is null without a reason" % (index, field))
+        got = dict(s)
+        if s["centroid"] is not None:
+            got.update(centroid_x=s["centroid"][0], centroid_y=s["centroid"][1])
         for key, value in want.items():
-            if not close(got[key], value):
-                errors.append("annotation %d: %s is %r, expected %r" % (index, key, got[key], value))
+            if got.get(key) is None or not close(got[key], value):
+                errors.append("annotation %d: %s is %r, expected %r" % (index, key, got.get(key), value))
         if s["self_intersecting"] != (any(crossing) or bool(pairs)):
             errors.append("annotation %d: self_intersecting is %r" % (index, s["self_intersecting"]))
         if s["label"] != annotation["category_id"]:
             errors.append("annotation %d: label %r" % (index, s["label"]))
-        for k, c in enumerate(crossing):
+        for k, (c, d) in enumerate(zip(crossing, degenerate)):
+            where = "the outline" if len(polys) == 1 else "region %d" % k
+            if d:
+                expected_problems.append((index, "degenerate-area", where + " " + degenerate_text(polys[k])))
             if c:
-                where = "the outline" if len(polys) == 1 else "region %d" % k
                 expected_problems.append((index, "self-crossing", where + " crosses itself"))
         for i, j in pairs:
             expected_problems.append((index, "regions-cross", "regions %d and %d cross each other" % (i, j)))

@@ -57,6 +57,13 @@ TEST(JsonText, NumbersReadBackExactly) {
     EXPECT_EQ(back[2].get<double>(), 123456789.123456789);
 }
 
+TEST(JsonText, NumbersAreTheShortestThatReadBack) {
+    // 0.1 + 0.2 is not 0.3: 17 digits tell them apart; 0.3 itself needs 1.
+    const Json j = Json::array({0.1 + 0.2, 0.3, 2.0, -1.5e-7, 1e21, 5e-324, 1.7976931348623157e308});
+    EXPECT_EQ(prettyJson(j),
+              "[0.30000000000000004, 0.3, 2.0, -1.5e-07, 1e+21, 5e-324, 1.7976931348623157e+308]\n");
+}
+
 TEST(JsonText, RepeatedKeysAreRefusedWithTheirPlace) {
     const auto errorOf = [](const std::string& text) {
         return inputErrorOf([&] { parseJson("x.json", text); });

@@ -35,6 +35,8 @@ TEST(Output, NumberFormats) {
     EXPECT_EQ(formatNumber(1e-20, 6), "1e-20");
     EXPECT_EQ(formatNumber(1234567.0, 6), "1.23457e+06");
     EXPECT_EQ(formatNumber(std::nan(""), 6), "nan");
+    EXPECT_EQ(formatNumber(-std::nan(""), 6), "nan");  // a NaN has no sign to show
+    EXPECT_EQ(formatNumber(-INFINITY, 6), "-inf");
 }
 
 TEST(Output, RoundingToDigits) {

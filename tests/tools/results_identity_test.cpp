@@ -1,7 +1,8 @@
 // Bit-identical results on the bundled data across builds: every measure the tool reports for
 // the shapes of examples/data (and for their repairs, both ways), hashed by the bits of every
-// double, must give one committed value in every build of the tests. The tool's own reports
-// round numbers for print, so the hash is taken from the computed values, not from the text.
+// double, must give one committed value in every build of the tests. The tool's table rounds
+// numbers for print (and --digits any report), so the hash is taken from the computed values,
+// not from the text; it also counts which measures are present and how many are unavailable.
 //
 // The committed value is a fingerprint recorded from the default build and met unchanged by the
 // sanitizer build; it is not a correctness oracle (the tool's other tests check the values). A
@@ -79,7 +80,7 @@ std::uint64_t bundledDataHash() {
 }
 
 /// Recorded from the default build; the sanitizer build must give the very same bits.
-constexpr std::uint64_t kBundledDataHash = 0xab27ac38d5231777ull;
+constexpr std::uint64_t kBundledDataHash = 0x7dec2c58b785a55full;
 
 TEST(ResultsIdentity, MeasuresOfTheBundledDataMatchTheRecordedBits) {
     const std::uint64_t actual = bundledDataHash();

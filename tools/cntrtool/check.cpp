@@ -1,16 +1,114 @@
 #include "check.h"
 
+#include <algorithm>
+#include <cmath>
 #include <set>
 
 #include <cntr/contour.h>
+#include <cntr/moments.h>
 #include <foundation/hull.h>
 #include <foundation/numeric.h>
 
 #include "measure.h"
+#include "output.h"
 
 namespace cntrtool {
 
 namespace {
+
+// ---- where a hole meets its outline ----
+
+using Points = std::vector<xcVector<2>>;
+
+// The parameters along p0-p1 (0 to 1) where it meets q0-q1: the crossing point, or for
+// collinear overlapping segments both ends of the overlap.
+void meetings(const xcVector<2>& p0, const xcVector<2>& p1, const xcVector<2>& q0,
+              const xcVector<2>& q1, std::vector<double>& out) {
+    const xcVector<2> d = p1 - p0, e = q1 - q0, f = q0 - p0;
+    const double denominator = d.cross(e);
+    if (denominator != 0.0) {
+        const double t = f.cross(e) / denominator, u = f.cross(d) / denominator;
+        if (t >= 0.0 && t <= 1.0 && u >= 0.0 && u <= 1.0)
+            out.push_back(t);
+        return;
+    }
+    const double length2 = d.dot(d);
+    if (f.cross(d) != 0.0 || length2 == 0.0)
+        return;  // parallel apart, or a point
+    for (const xcVector<2>& q : {q0, q1}) {
+        const double t = (q - p0).dot(d) / length2;
+        if (t >= 0.0 && t <= 1.0)
+            out.push_back(t);
+    }
+}
+
+double distanceToSegment(const xcVector<2>& p, const xcVector<2>& a, const xcVector<2>& b) {
+    const xcVector<2> d = b - a;
+    const double length2 = d.dot(d);
+    const double t = length2 == 0.0 ? 0.0 : std::clamp((p - a).dot(d) / length2, 0.0, 1.0);
+    const xcVector<2> foot = a + d * t;
+    return std::hypot(p.x() - foot.x(), p.y() - foot.y());
+}
+
+// Whether p lies on the closed outline, within `tolerance`.
+bool onOutline(const xcVector<2>& p, const Points& outline, double tolerance) {
+    for (std::size_t k = 0; k < outline.size(); ++k)
+        if (distanceToSegment(p, outline[k], outline[(k + 1) % outline.size()]) <= tolerance)
+            return true;
+    return false;
+}
+
+// Even-odd rule: whether p (not on the outline) lies inside it.
+bool insideOutline(const xcVector<2>& p, const Points& outline) {
+    bool inside = false;
+    for (std::size_t k = 0, j = outline.size() - 1; k < outline.size(); j = k++) {
+        const xcVector<2>& a = outline[k];
+        const xcVector<2>& b = outline[j];
+        if ((a.y() > p.y()) != (b.y() > p.y()) &&
+            p.x() < (b.x() - a.x()) * (p.y() - a.y()) / (b.y() - a.y()) + a.x())
+            inside = !inside;
+    }
+    return inside;
+}
+
+// Whether a hole that meets its outline only touches it: cut at every point where they meet,
+// each piece of the hole's outline lies strictly inside the region. A piece that runs along the
+// outline, or outside it, makes a crossing.
+bool touchesOnly(const Points& outline, const Points& hole) {
+    double extent = 1.0;
+    for (const xcVector<2>& p : outline)
+        extent = std::max({extent, std::fabs(p.x()), std::fabs(p.y())});
+    const double tolerance = 1e-9 * extent;
+    for (std::size_t k = 0; k < hole.size(); ++k) {
+        const xcVector<2>& a = hole[k];
+        const xcVector<2>& b = hole[(k + 1) % hole.size()];
+        std::vector<double> cuts = {0.0, 1.0};
+        for (std::size_t j = 0; j < outline.size(); ++j)
+            meetings(a, b, outline[j], outline[(j + 1) % outline.size()], cuts);
+        std::sort(cuts.begin(), cuts.end());
+        for (std::size_t c = 0; c + 1 < cuts.size(); ++c) {
+            if (cuts[c + 1] - cuts[c] <= 1e-12)
+                continue;
+            const xcVector<2> middle = a + (b - a) * ((cuts[c] + cuts[c + 1]) / 2);
+            if (onOutline(middle, outline, tolerance) || !insideOutline(middle, outline))
+                return false;
+        }
+    }
+    return true;
+}
+
+// Why the closed outline's area is degenerate (zero, or so small that the library's centroid
+// of it is a convention), or "" when it is not.
+std::string degenerateArea(const Points& points) {
+    if (centroidConvention(points).empty())
+        return "";
+    const double area = xf_Area(points);
+    if (area == 0.0)
+        return "encloses no area (its net area is 0): it has no centroid";
+    return "encloses an area of " + formatNumber(area, kTableDigits) +
+           ", below the library's centroid threshold (cross products summing to within 1e-6 of "
+           "0): it has no centroid";
+}
 
 std::string partName(const std::string& where) { return where.empty() ? "the outline" : where; }
 
@@ -34,8 +132,7 @@ class Checker {
                 checkRegionSet();
                 break;
         }
-        if (problems_.empty())
-            checkMeasures();
+        checkMeasures(problems_.empty());
         return problems_;
     }
 
@@ -57,11 +154,18 @@ class Checker {
             return;
         }
         checkRepeats(o, name);
+        bool zeroArea = false;
         if (o.isRegion) {
             std::vector<xcVector<2>> hull;
             xfConvexHull(p, hull);
-            if (hull.size() < 3)
+            zeroArea = hull.size() < 3;
+            if (zeroArea)
                 add("zero-area", name + " encloses no area (its vertices lie on one line)");
+        }
+        if (!zeroArea && (o.isRegion || o.outline.isClosed())) {
+            const std::string why = degenerateArea(p);
+            if (!why.empty())
+                add("degenerate-area", name + " " + why);
         }
         if (o.outline.isSelfIntersecting())
             add("self-crossing", name + " crosses itself");
@@ -94,15 +198,20 @@ class Checker {
                 for (const xcPtrHandle<xcRegion>& h : r.holes)
                     holes.push_back(h.rep());
 
-        std::size_t crossings = 0;
+        std::size_t meetingHoles = 0;
         for (std::size_t k = 0; k < holes.size(); ++k) {
             const std::string name = joinPath(where, "hole " + std::to_string(k));
+            const std::string ofWhere = where.empty() ? "" : " of " + where;
             if (!usable(region) || !usable(*holes[k]))
                 continue;
             if (crosses(region, *holes[k])) {
-                ++crossings;
-                add("hole-crosses-outline",
-                    name + " crosses the outline" + (where.empty() ? "" : " of " + where));
+                ++meetingHoles;
+                if (touchesOnly(region.points(), holes[k]->points()))
+                    add("touching-hole", name + " touches the outline" + ofWhere +
+                                             " at single points (the library refuses such a "
+                                             "hole; many toolkits accept it)");
+                else
+                    add("hole-crosses-outline", name + " crosses the outline" + ofWhere);
             } else if (outside(*holes[k], region)) {
                 add("hole-outside", name + " lies outside " + partName(where));
             }
@@ -113,7 +222,7 @@ class Checker {
                                            " cross each other");
         }
         for (const RefusedHoles& r : shape_.refused)
-            if (r.where == where && crossings == 0)
+            if (r.where == where && meetingHoles == 0)
                 add("holes-refused", "the holes of " + partName(where) +
                                          " were refused by the library: " + r.reason);
         for (std::size_t k = 0; k < holes.size(); ++k)
@@ -134,13 +243,23 @@ class Checker {
                                              std::to_string(j) + " cross each other");
     }
 
-    void checkMeasures() {
+    // Measures that came out infinite or NaN; and, for a shape without other problems, the
+    // measures the library refused.
+    void checkMeasures(bool reportRefusals) {
         const Measures m = measureShape(shape_);
         const bool hasHoles = m.holes > 0;
+        std::string nonFinite;
+        for (const MeasureFailure& f : m.failures)
+            if (f.cause == Unavailable::nonFinite)
+                nonFinite += (nonFinite.empty() ? "" : ", ") + f.field;
+        if (!nonFinite.empty())
+            add("non-finite-result", "not finite: " + nonFinite +
+                                         " (the coordinates are too large for double precision)");
         for (const MeasureFailure& f : m.failures) {
             // The library does not provide the inertia of a region with holes, nor therefore
             // the ellipse of its moments: a limit, not a problem of the shape.
-            if (hasHoles && f.field == "inertia")
+            if (f.cause != Unavailable::refused || !reportRefusals ||
+                (hasHoles && f.field == "inertia"))
                 continue;
             add("measure-failed", f.field + ": " + f.message);
         }

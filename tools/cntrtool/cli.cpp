@@ -2,9 +2,13 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
+#include <cstdlib>
 #include <limits>
 
 #include "errors.h"
+#include "output.h"
+#include "render.h"
 
 namespace cntrtool {
 
@@ -15,47 +19,61 @@ struct CommandInfo {
     Command command;
     /// The flags it accepts besides -o and --help.
     std::vector<const char*> flags;
+    /// The options it accepts that take a value ("--digits 3" or "--digits=3") besides
+    /// --max-input, which every command accepts.
+    std::vector<const char*> valueOptions;
     bool needsOutput;
     const char* help;
 };
 
 const std::vector<CommandInfo>& commands() {
     static const std::vector<CommandInfo> list = {
-        {"measure", Command::measure, {"--json"}, false,
-         "usage: cntrtool measure FILE [--json]\n"
+        {"measure", Command::measure, {"--json"}, {"--digits"}, false,
+         "usage: cntrtool measure FILE [--json] [--digits N]\n"
          "\n"
          "Measures every shape of FILE: kind, label, vertex and hole counts, length, area with\n"
          "and without holes, centroid, inertia matrix, the ellipse of its moments, the fitted\n"
          "ellipse and its rms, convex hull area, diameter, and whether it crosses itself.\n"
-         "Prints an aligned table (n/a where a measure is not available), or with --json a JSON\n"
-         "report (null there).\n"},
-        {"check", Command::check, {}, false,
+         "Prints an aligned table, or with --json a JSON report. A measure that cannot be given\n"
+         "as a value is n/a in the table and null in JSON, with its reason under \"unavailable\":\n"
+         "one that does not apply, that the library refused, that would only be the library's\n"
+         "convention (the centroid (0, 0) of an outline of almost no area) or that is not finite\n"
+         "(the table shows inf or nan). A fitted ellipse replaced by the circle fit says so:\n"
+         "fit \"circle\" and its reason. Numbers: 6 significant digits in the table; in JSON the\n"
+         "shortest form that reads back as the same double. --digits N (1 to 17) rounds both to\n"
+         "N significant digits.\n"},
+        {"check", Command::check, {}, {}, false,
          "usage: cntrtool check FILE\n"
          "\n"
          "Lists the problems of every shape, one line each, with the shape's index and label:\n"
-         "too-few-vertices, repeated-vertex, zero-area, self-crossing, hole-crosses-outline,\n"
-         "hole-outside, holes-cross, holes-refused, regions-cross, empty-set, measure-failed.\n"
+         "too-few-vertices, repeated-vertex, zero-area, degenerate-area, self-crossing,\n"
+         "hole-crosses-outline, touching-hole, hole-outside, holes-cross, holes-refused,\n"
+         "regions-cross, empty-set, measure-failed, non-finite-result.\n"
          "Exit status 1 when there is any problem, 0 when there is none.\n"},
-        {"repair", Command::repair, {"--outer-hull"}, true,
+        {"repair", Command::repair, {"--outer-hull"}, {}, true,
          "usage: cntrtool repair FILE -o OUT [--outer-hull]\n"
          "\n"
          "Regularises every region whose outline crosses itself (with --outer-hull: replaces it\n"
          "by its outer hull) and merges crossing regions of a set, then writes all shapes to OUT\n"
          "in FILE's format; shapes that need nothing are written unchanged. Exit status 1 when a\n"
          "shape could not be repaired (it is written unchanged).\n"},
-        {"render", Command::render, {"--hull", "--repaired"}, true,
-         "usage: cntrtool render FILE -o OUT.svg [--hull] [--repaired]\n"
+        {"render", Command::render, {"--hull", "--repaired", "--y-down"}, {"--width"}, true,
+         "usage: cntrtool render FILE -o OUT.svg [--hull] [--repaired] [--y-down]\n"
+         "                       [--width PIXELS]\n"
          "\n"
-         "Draws every shape into an SVG picture (y axis up): region outlines blue (red when they\n"
+         "Draws every shape into an SVG picture on white: region outlines blue (red when they\n"
          "cross themselves), holes orange, contours green; --hull adds convex hulls in grey,\n"
-         "--repaired the repaired outlines of self-crossing regions in purple.\n"},
-        {"pack", Command::pack, {}, true,
+         "--repaired the repaired outlines of self-crossing regions in purple. The y axis points\n"
+         "up, or down with --y-down (image coordinates). The picture is 800 pixels wide (or\n"
+         "--width PIXELS, 16 to 100000) with the drawing's aspect ratio; lines are 1.5 pixels\n"
+         "wide whatever the drawing's extent.\n"},
+        {"pack", Command::pack, {}, {}, true,
          "usage: cntrtool pack FILE -o OUT.xca\n"
          "\n"
          "Stores every shape of FILE in the library's binary archive format. Holes the library\n"
          "refused (they cross their outline) cannot be stored: they are left out with a\n"
          "warning and the exit status is 1.\n"},
-        {"unpack", Command::unpack, {}, true,
+        {"unpack", Command::unpack, {}, {}, true,
          "usage: cntrtool unpack FILE.xca -o OUT.json\n"
          "\n"
          "Writes the shapes of an archive as the tool's JSON. Any other file is refused as not an\n"
@@ -70,10 +88,11 @@ const char* const kOverview =
     "Measures, checks, repairs and renders the polygons of a shape file.\n"
     "\n"
     "commands:\n"
-    "  measure FILE [--json]                  measures of every shape\n"
+    "  measure FILE [--json] [--digits N]     measures of every shape\n"
     "  check FILE                             lists problems; exit status 1 if any\n"
     "  repair FILE -o OUT [--outer-hull]      repairs self-crossing regions\n"
-    "  render FILE -o OUT.svg [--hull] [--repaired]   draws the shapes as SVG\n"
+    "  render FILE -o OUT.svg [--hull] [--repaired] [--y-down] [--width PIXELS]\n"
+    "                                         draws the shapes as SVG\n"
     "  pack FILE -o OUT.xca                   writes the shapes as a binary archive\n"
     "  unpack FILE.xca -o OUT.json            writes an archive's shapes as JSON\n"
     "\n"
@@ -132,21 +151,6 @@ std::uint64_t parseByteCount(const std::string& text, const std::string& seeHelp
     return value;
 }
 
-// The value of an option given as "NAME VALUE" or "NAME=VALUE"; `i` moves past it.
-std::string optionValue(const std::vector<std::string>& args, std::size_t& i,
-                        const std::string& name, const std::string& seeHelp) {
-    const std::string& a = args[i];
-    if (a.size() > name.size() && a.compare(0, name.size() + 1, name + "=") == 0)
-        return a.substr(name.size() + 1);
-    if (i + 1 >= args.size())
-        throw UsageError(name + " needs a value" + seeHelp);
-    return args[++i];
-}
-
-bool isOption(const std::string& a, const std::string& name) {
-    return a == name || a.rfind(name + "=", 0) == 0;
-}
-
 void setFlag(Options& o, const std::string& flag) {
     if (flag == "--json")
         o.json = true;
@@ -156,6 +160,47 @@ void setFlag(Options& o, const std::string& flag) {
         o.hull = true;
     else if (flag == "--repaired")
         o.repaired = true;
+    else if (flag == "--y-down")
+        o.yDown = true;
+}
+
+// The whole decimal integer `text` when it lies in [low, high]; throws UsageError otherwise.
+int integerValue(const std::string& option, const std::string& text, int low, int high,
+                 const std::string& seeHelp) {
+    const std::string range = " needs a whole number from " + std::to_string(low) + " to " +
+                              std::to_string(high);
+    char* end = nullptr;
+    errno = 0;
+    const long value = std::strtol(text.c_str(), &end, 10);
+    const bool whole = !text.empty() && text[0] != ' ' && *end == '\0' && errno == 0;
+    if (!whole || value < low || value > high)
+        throw UsageError(option + range + ", not \"" + text + "\"" + seeHelp);
+    return static_cast<int>(value);
+}
+
+void setValue(Options& o, const std::string& option, const std::string& value,
+              const std::string& seeHelp) {
+    if (option == "--max-input")
+        o.maxInput = parseByteCount(value, seeHelp);
+    else if (option == "--digits")
+        o.digits = integerValue(option, value, kMinDigits, kMaxDigits, seeHelp);
+    else if (option == "--width")
+        o.width = integerValue(option, value, kMinWidth, kMaxWidth, seeHelp);
+}
+
+// The options every command accepts that take a value.
+const std::vector<const char*> kCommonValueOptions = {"--max-input"};
+
+// The option of `info` (or common to every command) that `arg` names, as "--name" or
+// "--name=value"; null when none does.
+const char* valueOptionOf(const CommandInfo& info, const std::string& arg) {
+    for (const std::vector<const char*>* names : {&kCommonValueOptions, &info.valueOptions})
+        for (const char* name : *names) {
+            const std::string n = name;
+            if (arg == n || arg.rfind(n + "=", 0) == 0)
+                return name;
+        }
+    return nullptr;
 }
 
 Options parseCommandArgs(const CommandInfo& info, const std::vector<std::string>& args) {
@@ -186,8 +231,15 @@ Options parseCommandArgs(const CommandInfo& info, const std::vector<std::string>
             if (o.output.empty())
                 throw UsageError("the output file name is empty" + seeHelp);
             outputGiven = true;
-        } else if (!optionsEnded && isOption(a, "--max-input")) {
-            o.maxInput = parseByteCount(optionValue(args, i, "--max-input", seeHelp), seeHelp);
+        } else if (const char* name = optionsEnded ? nullptr : valueOptionOf(info, a)) {
+            const std::string option = name;
+            if (a.size() > option.size()) {
+                setValue(o, option, a.substr(option.size() + 1), seeHelp);
+            } else {
+                if (i + 1 >= args.size())
+                    throw UsageError(option + " needs a value" + seeHelp);
+                setValue(o, option, args[++i], seeHelp);
+            }
         } else if (!optionsEnded && a.size() > 1 && a[0] == '-') {
             const bool known = std::any_of(info.flags.begin(), info.flags.end(),
                                            [&a](const char* f) { return a == f; });

@@ -24,6 +24,13 @@ struct Options {
     bool outerHull = false;
     bool hull = false;
     bool repaired = false;
+    /// measure --digits: significant digits of every number (0: 6 in the table, the shortest
+    /// exact form in JSON).
+    int digits = 0;
+    /// render --y-down: the y axis points down, as in image coordinates.
+    bool yDown = false;
+    /// render --width: the picture's width in pixels (0: the default).
+    int width = 0;
 };
 
 /// Parses the arguments after the program name. `cntrtool`, `cntrtool --help` and

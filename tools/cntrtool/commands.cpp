@@ -51,9 +51,9 @@ int measureCommand(const Context& c) {
     }
     progress.finish();
     if (c.options.json)
-        c.out << prettyJson(measureReport(c.file.path, rows));
+        c.out << prettyJson(measureReport(c.file.path, rows, c.options.digits));
     else
-        printMeasureTable(c.out, rows);
+        printMeasureTable(c.out, rows, c.options.digits > 0 ? c.options.digits : kTableDigits);
     return kExitOk;
 }
 
@@ -107,21 +107,24 @@ int renderCommand(const Context& c) {
     RenderOptions options;
     options.hull = c.options.hull;
     options.repaired = c.options.repaired;
-    xcSvgTablet tablet;
+    xcRecordingTablet tablet;
     renderShapes(tablet, c.file.shapes, options, [&progress] { progress.step(); },
                  [&c](const std::string& note) { c.warn(note); });
     progress.finish();
-    std::string document;
+    PictureOptions picture;
+    picture.yDown = c.options.yDown;
+    picture.width = c.options.width > 0 ? c.options.width : kDefaultWidth;
+    SvgPicture svg;
     try {
-        document = tablet.document();
-    } catch (const xcException& e) {
+        svg = svgPicture(tablet.segments(), picture);
+    } catch (const ToolError& e) {
         throw InputError(c.file.path, std::string("cannot draw: ") + e.what());
     }
-    if (tablet.skippedCount() > 0)
-        c.warn(std::to_string(tablet.skippedCount()) + " segments with non-finite ends skipped");
-    c.write(document);
+    if (svg.skipped > 0)
+        c.warn(std::to_string(svg.skipped) + " segments with non-finite ends skipped");
+    c.write(svg.document);
     c.summarise("drew " + std::to_string(c.file.shapes.size()) + " shapes (" +
-                std::to_string(tablet.segmentCount()) + " segments); wrote " + c.options.output);
+                std::to_string(svg.segments) + " segments); wrote " + c.options.output);
     return kExitOk;
 }
 

@@ -1,6 +1,7 @@
 // JSON text: parsing with the non-finite numbers marked, and printing in a compact layout.
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <set>
@@ -170,8 +171,26 @@ bool printsInline(const Json& j) {
     return true;
 }
 
+// A double in the shortest form that reads back as the same double (std::to_chars guarantees
+// both); an integral value keeps a ".0" so that it still reads as a floating-point number.
+// Non-finite values have no JSON spelling: null, as nlohmann writes them.
+std::string floatText(double value) {
+    if (!std::isfinite(value))
+        return "null";
+    char buffer[32];
+    const auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+    std::string text(buffer, end);
+    if (text.find_first_not_of("-0123456789") == std::string::npos)
+        text += ".0";
+    return text;
+}
+
 // One line: arrays with ", " between their elements, scalars in their shortest exact form.
 void printInline(const Json& j, std::string& out) {
+    if (j.is_number_float()) {
+        out += floatText(j.get<double>());
+        return;
+    }
     if (!j.is_array()) {
         out += j.dump(-1, ' ', false, nlohmann::detail::error_handler_t::replace);
         return;

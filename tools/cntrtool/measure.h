@@ -10,6 +10,7 @@
 #include <foundation/matrix.h>
 #include <foundation/vector.h>
 
+#include "output.h"
 #include "shapes.h"
 
 namespace cntrtool {
@@ -22,15 +23,44 @@ struct EllipseValue {
     double rotationDegrees = 0.0;
 };
 
-/// A measure that the library refused, with its reason.
+/// Why a measure cannot be reported as a value.
+enum class Unavailable {
+    /// The library refused it (an exception).
+    refused,
+    /// It does not apply to the shape (the area of an open contour, a fit of 2 points).
+    notApplicable,
+    /// The library would give a convention, not a value (the centroid (0, 0) of an outline
+    /// whose summed cross products are within 1e-6 of 0).
+    convention,
+    /// The computed value is infinite or NaN (coordinates too large for double precision); the
+    /// value is kept, for the table to show it as such.
+    nonFinite,
+    /// It considers holes, and the library refused the shape's holes.
+    refusedHoles,
+    /// It is computed from another measure that is not available.
+    dependent
+};
+
+/// A measure that cannot be reported as a value, with its reason. `field` is the JSON name of
+/// the measure ("centroid", "fitted_ellipse.rotation_deg").
 struct MeasureFailure {
     std::string field;
     std::string message;
+    Unavailable cause = Unavailable::refused;
 };
 
-/// Everything `measure` reports for one shape. An empty field is not available: it does not
-/// apply (the area of an open contour), the library refused it (see `failures`), or the shape
-/// holds holes that the library refused (every measure that considers holes).
+/// Twice the area below which the library's centroid of a polygon is (0, 0) by convention:
+/// its summed cross products within this of 0.
+constexpr double kCentroidThreshold = 1e-6;
+
+/// Why the library's centroid of the polygon `points` is its convention (0, 0) rather than a
+/// value, or "" when it is a value: 2 points or fewer, or cross products (the same fan of
+/// triangles from the origin, edges within 1e-15 of 0 skipped) summing to within
+/// kCentroidThreshold of 0.
+std::string centroidConvention(const std::vector<xcVector<2>>& points);
+
+/// Everything `measure` reports for one shape. An empty field is not available, and
+/// `failures` says why; so does it for a non-finite value, which is kept.
 struct Measures {
     std::size_t index = 0;
     ShapeKind kind = ShapeKind::contour;
@@ -48,6 +78,10 @@ struct Measures {
     std::optional<EllipseValue> momentEllipse;
     std::optional<EllipseValue> fittedEllipse;
     std::optional<double> fitRms;
+    /// The fitted ellipse is the library's circle fit, the ellipse fit having failed for
+    /// `circleReason` (its rotation is then not available: a circle has no direction).
+    bool fitIsCircle = false;
+    std::string circleReason;
     std::optional<double> hullArea;
     std::optional<double> diameter;
     std::optional<bool> selfIntersecting;
@@ -58,10 +92,17 @@ struct Measures {
 /// objects cannot leak into the results). Never throws for a shape the readers built.
 Measures measureShape(const Shape& shape);
 
-/// The aligned table: a header line, then one line per shape; "n/a" marks empty fields.
-void printMeasureTable(std::ostream& out, const std::vector<Measures>& rows);
-/// The JSON report: {"file": ..., "shapes": [...]}; empty and non-finite fields are null.
-Json measureReport(const std::string& path, const std::vector<Measures>& rows);
+/// Whether the measure `field` of `m` is unavailable for `cause`.
+bool hasFailure(const Measures& m, const std::string& field, Unavailable cause);
+
+/// The aligned table: a header line, then one line per shape; "n/a" marks empty fields,
+/// inf and nan non-finite values. Numbers have `digits` significant digits.
+void printMeasureTable(std::ostream& out, const std::vector<Measures>& rows,
+                       int digits = kTableDigits);
+/// The JSON report: {"file": ..., "shapes": [...]}; empty and non-finite fields are null, each
+/// with its reason under "unavailable". Numbers are rounded to `digits` significant digits,
+/// or written exactly when `digits` is 0.
+Json measureReport(const std::string& path, const std::vector<Measures>& rows, int digits = 0);
 
 }  // namespace cntrtool
 

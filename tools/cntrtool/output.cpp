@@ -18,6 +18,8 @@ namespace cntrtool {
 std::string formatNumber(double value, int digits) {
     if (value == 0.0)
         value = 0.0;  // negative zero prints as 0
+    if (std::isnan(value))
+        return "nan";  // whatever its sign bit: "-nan" would suggest an order NaN does not have
     char buffer[64];
     std::snprintf(buffer, sizeof buffer, "%.*g", digits, value);
     return buffer;

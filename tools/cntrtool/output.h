@@ -9,11 +9,14 @@
 
 namespace cntrtool {
 
-/// Significant digits of the numbers in tables (readable) and in JSON reports (for machines).
+/// Significant digits of the numbers in tables (readable). JSON reports write each double in the
+/// shortest form that reads back as the same double, unless --digits asks for fewer.
 constexpr int kTableDigits = 6;
-constexpr int kJsonDigits = 9;
+/// The range of --digits: 17 significant digits are enough for every double to read back.
+constexpr int kMinDigits = 1;
+constexpr int kMaxDigits = 17;
 
-/// `value` printed with %.<digits>g in the C locale; negative zero prints as 0.
+/// `value` printed with %.<digits>g in the C locale; negative zero prints as 0, every NaN as nan.
 std::string formatNumber(double value, int digits);
 /// `value` rounded to `digits` significant digits (what formatNumber prints), for JSON reports.
 double roundToDigits(double value, int digits);

@@ -31,6 +31,41 @@ struct RenderOptions {
     bool outerHull = false;
 };
 
+/// The picture's size in pixels: its width (the height follows the drawing's aspect ratio).
+constexpr int kDefaultWidth = 800;
+constexpr int kMinWidth = 16;
+constexpr int kMaxWidth = 100000;
+/// The width of every line on screen, in pixels, whatever the drawing's extent.
+constexpr double kStrokePixels = 1.5;
+/// The margin around the drawing, as a fraction of the larger side of its bounding box.
+constexpr double kMarginFraction = 0.05;
+
+/// How the picture maps the drawing onto the screen.
+struct PictureOptions {
+    /// The y axis points down (image coordinates) rather than up (the geometry's).
+    bool yDown = false;
+    int width = kDefaultWidth;
+};
+
+/// A standalone SVG document and what it holds.
+struct SvgPicture {
+    std::string document;
+    std::size_t segments = 0;
+    /// Segments left out for a non-finite end point (they cannot be placed).
+    std::size_t skipped = 0;
+};
+
+/// The segments as an SVG document: width and height in pixels, a white background, one <line>
+/// per segment with its colour as stroke="#rrggbb" and its layer mask as data-layers. The view
+/// box is the bounding box of the end points grown by kMarginFraction of its larger side on each
+/// side (a drawing without extent: the unit square about its point, or about the origin when
+/// empty); the stroke width, in drawing units, is kStrokePixels at the picture's scale, so that
+/// lines are as wide on screen whatever the extent. Coordinates are written unchanged, in the
+/// shortest form that reads back exactly; y up flips them with scale(1,-1) on their group.
+/// Throws ToolError when the extent overflows a double.
+SvgPicture svgPicture(const std::vector<xcRecordingTablet::Segment>& segments,
+                      const PictureOptions& options);
+
 /// Draws every shape on `tablet`: region outlines (red when they cross themselves), holes,
 /// contours, then hulls and repaired outlines on top. `progress` is called once per shape and
 /// `note` for each shape whose hull or repair the library refused.
