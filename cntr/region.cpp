@@ -85,22 +85,7 @@ xcRegion& xcRegion::operator=(const xcRegion& other) {
         return *this;
     xcContour::operator=(other);
     holes_ = other.holes_;
-    centerOfMassWithHolesValid_ = other.centerOfMassWithHolesValid_;
-    centerOfMassWithHoles_ = other.centerOfMassWithHoles_;
-    centerOfMassValid_ = other.centerOfMassValid_;
-    centerOfMass_ = other.centerOfMass_;
-    areaWithHolesValid_ = other.areaWithHolesValid_;
-    areaWithHoles_ = other.areaWithHoles_;
-    areaValid_ = other.areaValid_;
-    area_ = other.area_;
-    inertiaWithHolesValid_ = other.inertiaWithHolesValid_;
-    inertiaWithHoles_ = other.inertiaWithHoles_;
-    inertiaValid_ = other.inertiaValid_;
-    inertia_ = other.inertia_;
-    regularizedValid_ = other.regularizedValid_;
-    regularized_ = other.regularized_;
-    outerHullValid_ = other.outerHullValid_;
-    outerHull_ = other.outerHull_;
+    caches_ = other.caches_;
     return *this;
 }
 
@@ -175,35 +160,38 @@ void xcRegion::checkEmptyContour() const {
         throw xcContourDefs::EmptyContour(std::wstring());
 }
 
+void RegionCaches::reset() {
+    centerOfMassWithHoles.valid = false;
+    centerOfMass.valid = false;
+    areaWithHoles.reset(0.0);
+    area.reset(0.0);
+    inertiaWithHoles.valid = false;
+    inertia.valid = false;
+    regularized.valid = false;
+    outerHull.valid = false;
+}
+
 void xcRegion::cleanCacheInfo() {
     xcContour::cleanCacheInfo();
-    centerOfMassWithHolesValid_ = false;
-    centerOfMassValid_ = false;
-    areaWithHolesValid_ = false;
-    areaWithHoles_ = 0.0;
-    areaValid_ = false;
-    area_ = 0.0;
-    inertiaWithHolesValid_ = false;
-    inertiaValid_ = false;
-    regularizedValid_ = false;
-    outerHullValid_ = false;
+    caches_.reset();
 }
 
 xcRegion::RegionCacheState xcRegion::regionCacheState() const {
+    const RegionCaches& c = caches_;
     RegionCacheState s;
-    s.centerOfMassWithHolesValid = centerOfMassWithHolesValid_;
-    s.centerOfMassWithHoles = centerOfMassWithHoles_;
-    s.centerOfMassValid = centerOfMassValid_;
-    s.centerOfMass = centerOfMass_;
-    s.areaWithHolesValid = areaWithHolesValid_;
-    s.areaWithHoles = areaWithHoles_;
-    s.areaValid = areaValid_;
-    s.area = area_;
-    s.inertiaWithHolesValid = inertiaWithHolesValid_;
-    s.inertiaValid = inertiaValid_;
-    s.regularizedValid = regularizedValid_;
-    s.regularized = regularized_.rep();
-    s.outerHullValid = outerHullValid_;
-    s.outerHull = outerHull_.rep();
+    s.centerOfMassWithHolesValid = c.centerOfMassWithHoles.valid;
+    s.centerOfMassWithHoles = c.centerOfMassWithHoles.value;
+    s.centerOfMassValid = c.centerOfMass.valid;
+    s.centerOfMass = c.centerOfMass.value;
+    s.areaWithHolesValid = c.areaWithHoles.valid;
+    s.areaWithHoles = c.areaWithHoles.value;
+    s.areaValid = c.area.valid;
+    s.area = c.area.value;
+    s.inertiaWithHolesValid = c.inertiaWithHoles.valid;
+    s.inertiaValid = c.inertia.valid;
+    s.regularizedValid = c.regularized.valid;
+    s.regularized = c.regularized.value.rep();
+    s.outerHullValid = c.outerHull.valid;
+    s.outerHull = c.outerHull.value.rep();
     return s;
 }

@@ -15,6 +15,31 @@
 
 class xcArchive;
 class xcRegionSet;
+class xcRegion;
+
+namespace xn_regionDetail {
+
+/// Every cached result of a region beyond its contour's. Copies carry them all (the regularised
+/// and outer-hull regions shared); reset() is the region's part of cleanCacheInfo().
+struct RegionCaches {
+    /// Set only by copy or assignment: centerOfMass(true) sets the flag but never writes this
+    /// value, which is the defined behaviour (see xcRegion::centerOfMass).
+    xn_contourDetail::Cached<xcVector<2>> centerOfMassWithHoles;
+    xn_contourDetail::Cached<xcVector<2>> centerOfMass;
+    xn_contourDetail::Cached<double> areaWithHoles;
+    xn_contourDetail::Cached<double> area;
+    /// Reserved: the inertia with holes is refused, so this is never filled.
+    xn_contourDetail::Cached<xcMatrix<2>> inertiaWithHoles;
+    xn_contourDetail::Cached<xcMatrix<2>> inertia;
+    xn_contourDetail::Cached<xcPtrHandle<xcRegion>> regularized;
+    xn_contourDetail::Cached<xcPtrHandle<xcRegion>> outerHull;
+
+    /// Clears every flag and sets both areas to 0; the other values and the two region handles
+    /// stay until replaced.
+    void reset();
+};
+
+}  // namespace xn_regionDetail
 
 /// A closed outline with any number of hole regions.
 ///
@@ -274,25 +299,7 @@ class CNTR_API xcRegion : public virtual xcContour {
     void loadVersion0(xcArchive& ar);
 
     std::vector<xcPtrHandle_const<xcRegion>> holes_;
-    mutable bool centerOfMassWithHolesValid_ = false;
-    // Set only by copy or assignment: centerOfMass(true) sets the flag but never writes this
-    // slot, which is the defined behaviour (see centerOfMass).
-    mutable xcVector<2> centerOfMassWithHoles_;
-    mutable bool centerOfMassValid_ = false;
-    mutable xcVector<2> centerOfMass_;
-    mutable bool areaWithHolesValid_ = false;
-    mutable double areaWithHoles_ = 0.0;
-    mutable bool areaValid_ = false;
-    mutable double area_ = 0.0;
-    // Reserved: the inertia with holes is refused, so these are never filled.
-    mutable bool inertiaWithHolesValid_ = false;
-    mutable xcMatrix<2> inertiaWithHoles_;
-    mutable bool inertiaValid_ = false;
-    mutable xcMatrix<2> inertia_;
-    mutable bool regularizedValid_ = false;
-    mutable xcPtrHandle<xcRegion> regularized_;
-    mutable bool outerHullValid_ = false;
-    mutable xcPtrHandle<xcRegion> outerHull_;
+    mutable xn_regionDetail::RegionCaches caches_;
 };
 
 #endif

@@ -8,35 +8,35 @@ using namespace xn_regionDetail;
 double xcRegion::area(bool considerHoles) const {
     checkEmptyContour();
     if (!considerHoles) {
-        if (!areaValid_) {
-            area_ = xf_Area(points());
-            areaValid_ = true;
+        if (!caches_.area.valid) {
+            caches_.area.value = xf_Area(points());
+            caches_.area.valid = true;
         }
-        return area_;
+        return caches_.area.value;
     }
-    if (!areaWithHolesValid_) {
+    if (!caches_.areaWithHoles.valid) {
         double a = area(false);
         for (const xcPtrHandle_const<xcRegion>& hole : holes_)
             a -= hole->area(false);
-        areaWithHoles_ = a;
-        areaWithHolesValid_ = true;
+        caches_.areaWithHoles.value = a;
+        caches_.areaWithHoles.valid = true;
     }
-    return areaWithHoles_;
+    return caches_.areaWithHoles.value;
 }
 
 xcVector<2> xcRegion::centerOfMass(bool considerHoles) {
     checkEmptyContour();
     if (!considerHoles || holes_.empty()) {
-        if (!centerOfMassValid_) {
-            centerOfMass_ = xf_CenterOfMass(points());
-            centerOfMassValid_ = true;
+        if (!caches_.centerOfMass.valid) {
+            caches_.centerOfMass.value = xf_CenterOfMass(points());
+            caches_.centerOfMass.valid = true;
         }
-        return centerOfMass_;
+        return caches_.centerOfMass.value;
     }
     // The with-holes slot is returned once the flag is set, but the centroid computed below is
     // never written into it: that is the defined behaviour of this cache.
-    if (centerOfMassWithHolesValid_)
-        return centerOfMassWithHoles_;
+    if (caches_.centerOfMassWithHoles.valid)
+        return caches_.centerOfMassWithHoles.value;
     double a = area(false);
     xcVector<2> s = a * centerOfMass(false);
     for (const xcPtrHandle_const<xcRegion>& hole : holes_) {
@@ -44,7 +44,7 @@ xcVector<2> xcRegion::centerOfMass(bool considerHoles) {
         s = s - holeArea * cacheFilling(*hole).centerOfMass(false);
         a = a - holeArea;
     }
-    centerOfMassWithHolesValid_ = true;
+    caches_.centerOfMassWithHoles.valid = true;
     return s / a;
 }
 
@@ -52,9 +52,9 @@ xcMatrix<2> xcRegion::inertiaMatrix(bool considerHoles) {
     checkEmptyContour();
     if (considerHoles && !holes_.empty())
         throw xcContourDefs::BadParams(L"inertiaMatrix(considerHoles) is not implemented");
-    if (!inertiaValid_) {
-        inertia_ = xf_InertiaDataPolygon(points()).inertiaMatrix();
-        inertiaValid_ = true;
+    if (!caches_.inertia.valid) {
+        caches_.inertia.value = xf_InertiaDataPolygon(points()).inertiaMatrix();
+        caches_.inertia.valid = true;
     }
-    return inertia_;
+    return caches_.inertia.value;
 }

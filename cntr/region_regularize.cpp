@@ -30,12 +30,12 @@ void assignSelfOrCached(const xcRegion& region, bool& valid, xcPtrHandle<xcRegio
 }  // namespace
 
 void xcRegion::regularize(xcRegion& result) const {
-    assignSelfOrCached(*this, regularizedValid_, regularized_, result,
+    assignSelfOrCached(*this, caches_.regularized.valid, caches_.regularized.value, result,
                        [this](xcRegion& walked) { outerHullRegularize(walked, false); });
 }
 
 void xcRegion::outerHull(xcRegion& result) const {
-    assignSelfOrCached(*this, outerHullValid_, outerHull_, result,
+    assignSelfOrCached(*this, caches_.outerHull.valid, caches_.outerHull.value, result,
                        [this](xcRegion& hull) { outerHullRegularize(hull, true); });
 }
 

@@ -26,7 +26,6 @@ void xn_regionSetDetail::checkNoNullRegion(
 xcRegionSet::xcRegionSet(const RegionHandles& regions, xcContourDefs::IntersectionMode mode) {
     checkNoNullRegion(regions);
     regions_ = regions;
-    initializePointers();
     makeDataConsistentWithPoints();
     applyMode(mode);
 }
@@ -35,39 +34,21 @@ xcRegionSet::xcRegionSet(const MutableRegionHandles& regions, xcContourDefs::Int
     : xcRegionSet(asConst(regions), mode) {}
 
 xcRegionSet::xcRegionSet(const xcRegionSet& other) : xcPersistent(), xcRepBase() {
-    initializePointers();
     *this = other;
 }
 
 xcRegionSet& xcRegionSet::operator=(const xcRegionSet& other) {
     if (&other == this)
         return *this;
-    // The rectangle cache is copied first, so that a failed allocation leaves this set as it was.
-    std::unique_ptr<xn_contourDetail::RectMemo> rectCache;
-    if (other.rectCache_)
-        rectCache.reset(new xn_contourDetail::RectMemo(*other.rectCache_));
-
+    // The caches are copied first, so that a failed allocation leaves this set as it was.
+    xn_regionSetDetail::RegionSetCaches caches(other.caches_);
     regions_ = other.regions_;
     cachedVectorSize_ = other.cachedVectorSize_;
-    centerWithHoles_ = other.centerWithHoles_;
-    centerOfOutlines_ = other.centerOfOutlines_;
-    areaWithHoles_ = other.areaWithHoles_;
-    areaOfOutlines_ = other.areaOfOutlines_;
-    rectCache_ = std::move(rectCache);
-    inertiaWithHoles_ = other.inertiaWithHoles_;
-    inertiaOfOutlines_ = other.inertiaOfOutlines_;
-    selfIntersecting_ = other.selfIntersecting_;
-    selfIntersectingValid_ = other.selfIntersectingValid_;
-    regularizedValid_ = other.regularizedValid_;
-    regularized_ = other.regularized_;
-    outerHullValid_ = other.outerHullValid_;
-    outerHull_ = other.outerHull_;
+    caches_ = std::move(caches);
     return *this;
 }
 
-xcRegionSet::~xcRegionSet() {
-    deletePointers();
-}
+xcRegionSet::~xcRegionSet() = default;
 
 xcRegionSet::RegionHandles xcRegionSet::regions() {
     return regions_;
@@ -141,46 +122,41 @@ void xcRegionSet::makePointsConsistentWithData() {
     cleanCacheInfo();
 }
 
-void xcRegionSet::initializePointers() {
-    rectCache_.reset();
-}
-
-void xcRegionSet::deletePointers() {
-    rectCache_.reset();
+void xn_regionSetDetail::RegionSetCaches::reset() {
+    centerWithHoles.valid = false;
+    centerOfOutlines.valid = false;
+    areaWithHoles.reset(0.0);
+    areaOfOutlines.reset(0.0);
+    rectCache.reset();
+    inertiaWithHoles.valid = false;
+    inertiaOfOutlines.valid = false;
+    selfIntersecting.valid = false;
+    regularized.valid = false;
+    outerHull.valid = false;
 }
 
 void xcRegionSet::cleanCacheInfo() {
     mutating();
-    deletePointers();
-    centerWithHoles_.valid = false;
-    centerOfOutlines_.valid = false;
-    areaWithHoles_.valid = false;
-    areaWithHoles_.value = 0.0;
-    areaOfOutlines_.valid = false;
-    areaOfOutlines_.value = 0.0;
-    inertiaWithHoles_.valid = false;
-    inertiaOfOutlines_.valid = false;
-    selfIntersectingValid_ = false;
-    regularizedValid_ = false;
-    outerHullValid_ = false;
+    caches_.reset();
 }
 
 xcRegionSet::CacheState xcRegionSet::cacheState() const {
+    const xn_regionSetDetail::RegionSetCaches& c = caches_;
     CacheState s;
-    s.centerValid[0] = centerOfOutlines_.valid;
-    s.centerValid[1] = centerWithHoles_.valid;
-    s.areaValid[0] = areaOfOutlines_.valid;
-    s.areaValid[1] = areaWithHoles_.valid;
-    s.area[0] = areaOfOutlines_.value;
-    s.area[1] = areaWithHoles_.value;
-    s.inertiaValid[0] = inertiaOfOutlines_.valid;
-    s.inertiaValid[1] = inertiaWithHoles_.valid;
-    s.rectCache = rectCache_.get();
-    s.selfIntersecting = selfIntersecting_;
-    s.selfIntersectingValid = selfIntersectingValid_;
-    s.regularizedValid = regularizedValid_;
-    s.regularized = regularized_.rep();
-    s.outerHullValid = outerHullValid_;
-    s.outerHull = outerHull_.rep();
+    s.centerValid[0] = c.centerOfOutlines.valid;
+    s.centerValid[1] = c.centerWithHoles.valid;
+    s.areaValid[0] = c.areaOfOutlines.valid;
+    s.areaValid[1] = c.areaWithHoles.valid;
+    s.area[0] = c.areaOfOutlines.value;
+    s.area[1] = c.areaWithHoles.value;
+    s.inertiaValid[0] = c.inertiaOfOutlines.valid;
+    s.inertiaValid[1] = c.inertiaWithHoles.valid;
+    s.rectCache = c.rectCache.get();
+    s.selfIntersecting = c.selfIntersecting.value;
+    s.selfIntersectingValid = c.selfIntersecting.valid;
+    s.regularizedValid = c.regularized.valid;
+    s.regularized = c.regularized.value.rep();
+    s.outerHullValid = c.outerHull.valid;
+    s.outerHull = c.outerHull.value.rep();
     return s;
 }

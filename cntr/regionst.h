@@ -18,6 +18,32 @@
 
 class xcArchive;
 
+class xcRegionSet;
+
+namespace xn_regionSetDetail {
+
+/// Every cached result of a region set, the measures per considerHoles flag. Copies carry them
+/// all (the rectangle memo deep-copied, the regularised and outer-hull sets shared); reset() is
+/// the set's cleanCacheInfo().
+struct RegionSetCaches {
+    xn_contourDetail::Cached<xcVector<2>> centerWithHoles;
+    xn_contourDetail::Cached<xcVector<2>> centerOfOutlines;
+    xn_contourDetail::Cached<double> areaWithHoles;
+    xn_contourDetail::Cached<double> areaOfOutlines;
+    xn_contourDetail::OwnedCache<xn_contourDetail::RectMemo> rectCache;
+    xn_contourDetail::Cached<xcMatrix<2>> inertiaWithHoles;
+    xn_contourDetail::Cached<xcMatrix<2>> inertiaOfOutlines;
+    xn_contourDetail::Cached<bool> selfIntersecting;
+    xn_contourDetail::Cached<xcPtrHandle<xcRegionSet>> regularized;
+    xn_contourDetail::Cached<xcPtrHandle<xcRegionSet>> outerHull;
+
+    /// Deletes the rectangle memo and clears every flag, setting both areas to 0; the other
+    /// values and the two set handles stay until replaced.
+    void reset();
+};
+
+}  // namespace xn_regionSetDetail
+
 /// An ordered collection of regions held through const counted handles.
 ///
 /// Sharing. The set never copies a region: copies of a set, and other sets or shapes, may hold
@@ -205,24 +231,15 @@ class CNTR_API xcRegionSet : public virtual xcPersistent, public virtual xcRepBa
     CacheState cacheState() const;
 
   private:
-    /// A value cached per considerHoles flag.
-    template <class T>
-    struct FlagSlot {
-        bool valid = false;
-        T value = T();
-    };
-
     static xcPersistent* make();
     static xc_Instantiator sExemplar;
 
-    void initializePointers();
-    void deletePointers();
     void applyMode(xcContourDefs::IntersectionMode mode);
     bool anyOutlineCrossesItself() const;
     bool anyOutlinesCross() const;
-    FlagSlot<double>& areaSlot(bool considerHoles) const;
-    FlagSlot<xcVector<2>>& centerSlot(bool considerHoles);
-    FlagSlot<xcMatrix<2>>& inertiaSlot(bool considerHoles);
+    xn_contourDetail::Cached<double>& areaSlot(bool considerHoles) const;
+    xn_contourDetail::Cached<xcVector<2>>& centerSlot(bool considerHoles);
+    xn_contourDetail::Cached<xcMatrix<2>>& inertiaSlot(bool considerHoles);
     void replaceRegions(const RegionHandles& r, xcContourDefs::IntersectionMode mode);
     void cachedMerge(xcRegionSet& out, bool outerHullOnly, bool& valid,
                      xcPtrHandle<xcRegionSet>& cache) const;
@@ -232,19 +249,7 @@ class CNTR_API xcRegionSet : public virtual xcPersistent, public virtual xcRepBa
 
     RegionHandles regions_;
     long cachedVectorSize_ = 3;
-    FlagSlot<xcVector<2>> centerWithHoles_;
-    FlagSlot<xcVector<2>> centerOfOutlines_;
-    mutable FlagSlot<double> areaWithHoles_;
-    mutable FlagSlot<double> areaOfOutlines_;
-    std::unique_ptr<xn_contourDetail::RectMemo> rectCache_;
-    FlagSlot<xcMatrix<2>> inertiaWithHoles_;
-    FlagSlot<xcMatrix<2>> inertiaOfOutlines_;
-    mutable bool selfIntersecting_ = false;
-    mutable bool selfIntersectingValid_ = false;
-    mutable bool regularizedValid_ = false;
-    mutable xcPtrHandle<xcRegionSet> regularized_;
-    mutable bool outerHullValid_ = false;
-    mutable xcPtrHandle<xcRegionSet> outerHull_;
+    mutable xn_regionSetDetail::RegionSetCaches caches_;
 };
 
 #endif

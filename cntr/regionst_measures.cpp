@@ -15,20 +15,20 @@
 using namespace xn_regionDetail;
 using namespace xn_regionSetDetail;
 
-xcRegionSet::FlagSlot<double>& xcRegionSet::areaSlot(bool considerHoles) const {
-    return considerHoles ? areaWithHoles_ : areaOfOutlines_;
+xn_contourDetail::Cached<double>& xcRegionSet::areaSlot(bool considerHoles) const {
+    return considerHoles ? caches_.areaWithHoles : caches_.areaOfOutlines;
 }
 
-xcRegionSet::FlagSlot<xcVector<2>>& xcRegionSet::centerSlot(bool considerHoles) {
-    return considerHoles ? centerWithHoles_ : centerOfOutlines_;
+xn_contourDetail::Cached<xcVector<2>>& xcRegionSet::centerSlot(bool considerHoles) {
+    return considerHoles ? caches_.centerWithHoles : caches_.centerOfOutlines;
 }
 
-xcRegionSet::FlagSlot<xcMatrix<2>>& xcRegionSet::inertiaSlot(bool considerHoles) {
-    return considerHoles ? inertiaWithHoles_ : inertiaOfOutlines_;
+xn_contourDetail::Cached<xcMatrix<2>>& xcRegionSet::inertiaSlot(bool considerHoles) {
+    return considerHoles ? caches_.inertiaWithHoles : caches_.inertiaOfOutlines;
 }
 
 double xcRegionSet::area(bool considerHoles) const {
-    FlagSlot<double>& slot = areaSlot(considerHoles);
+    xn_contourDetail::Cached<double>& slot = areaSlot(considerHoles);
     if (slot.valid)
         return slot.value;
     double sum = 0.0;
@@ -43,7 +43,7 @@ double xcRegionSet::area(bool considerHoles) const {
 
 xcVector<2> xcRegionSet::centerOfMass(bool considerHoles) {
     checkEmptyRegionSet();
-    FlagSlot<xcVector<2>>& slot = centerSlot(considerHoles);
+    xn_contourDetail::Cached<xcVector<2>>& slot = centerSlot(considerHoles);
     if (slot.valid)
         return slot.value;
     xcVector<2> weighted;
@@ -63,7 +63,7 @@ xcVector<2> xcRegionSet::centerOfMass(bool considerHoles) {
 
 xcMatrix<2> xcRegionSet::inertiaMatrix(bool considerHoles) {
     checkEmptyRegionSet();
-    FlagSlot<xcMatrix<2>>& slot = inertiaSlot(considerHoles);
+    xn_contourDetail::Cached<xcMatrix<2>>& slot = inertiaSlot(considerHoles);
     if (slot.valid)
         return slot.value;
     xc_InertiaData total(0.0, xcVector<2>(), xcMatrix<2>());
@@ -101,16 +101,15 @@ double xcRegionSet::distToPoint(const xcVector<2>& point, bool vertexOnly, bool 
 
 xcRect xcRegionSet::encloseRect(const xcXform<2>& xform) {
     checkEmptyRegionSet();
-    if (!rectCache_)
-        rectCache_.reset(new xn_contourDetail::RectMemo);
-    const auto found = rectCache_->find(xform);
-    if (found != rectCache_->end())
+    xn_contourDetail::RectMemo& memo = caches_.rectCache.make();
+    const auto found = memo.find(xform);
+    if (found != memo.end())
         return found->second;
 
     xcRect box = outlineOf(*regions_[0]).encloseRect(xform);
     for (std::size_t i = 1; i < regions_.size(); ++i)
         box = box.enclose(outlineOf(*regions_[i]).encloseRect(xform));
-    xn_contourDetail::memoStore(rectCache_, xform, box, cachedVectorSize_);
+    xn_contourDetail::memoStore(caches_.rectCache.pointer(), xform, box, cachedVectorSize_);
     mutating();
     return box;
 }
@@ -118,16 +117,16 @@ xcRect xcRegionSet::encloseRect(const xcXform<2>& xform) {
 bool xcRegionSet::isSelfIntersecting() const {
     if (regions_.empty())
         return false;
-    if (selfIntersectingValid_)
-        return selfIntersecting_;
+    if (caches_.selfIntersecting.valid)
+        return caches_.selfIntersecting.value;
     // The answer is cached only once it is complete, so that an error of a region leaves the
     // cache invalid.
     // The pairs are tested even when an outline already crosses itself (the result is the
     // same; the pair queries fill the regions' segment caches all the same).
     const bool selfCrossing = anyOutlineCrossesItself();
     const bool crossing = anyOutlinesCross() || selfCrossing;
-    selfIntersecting_ = crossing;
-    selfIntersectingValid_ = true;
+    caches_.selfIntersecting.value = crossing;
+    caches_.selfIntersecting.valid = true;
     return crossing;
 }
 

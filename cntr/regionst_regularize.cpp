@@ -18,11 +18,11 @@ xcPtrHandle<xcRegion> newEmptyRegion() {
 }  // namespace
 
 void xcRegionSet::regularize(xcRegionSet& out) const {
-    cachedMerge(out, false, regularizedValid_, regularized_);
+    cachedMerge(out, false, caches_.regularized.valid, caches_.regularized.value);
 }
 
 void xcRegionSet::outerHull(xcRegionSet& out) const {
-    cachedMerge(out, true, outerHullValid_, outerHull_);
+    cachedMerge(out, true, caches_.outerHull.valid, caches_.outerHull.value);
 }
 
 void xcRegionSet::cachedMerge(xcRegionSet& out, bool outerHullOnly, bool& valid,
