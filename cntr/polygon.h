@@ -117,13 +117,16 @@ class CNTR_API Polygon {
     ///     between rings); edges may touch at points, an end of one lying on the other. Of all
     ///     violating pairs, the one whose first edge comes first in (ring, edge) order is
     ///     reported, then by the second edge; consecutive repeated vertices form zero-length
-    ///     edges, which take no part;
+    ///     edges, which take no part. When no such pair exists, two passes of rings through one
+    ///     common point must not cross there (one arriving and leaving on either side of the
+    ///     other, as at a vertex shared by two strands that change sides): selfCrossing or
+    ///     ringsCross at that point, the passes named by the edges that arrive there (the edge
+    ///     holding the point when it lies inside an edge), the smallest pair first;
     ///  3. every hole lies inside the exterior (holeOutside), in hole order;
     ///  4. no hole lies inside another (holesNested), pairs (i, j), i < j, in order.
     /// Rules 3 and 4 locate a ring by its first vertex that is not on the other ring (or, when
     /// every vertex is, by the midpoint of its first edge not on it): once rule 2 holds, that
-    /// point decides where the whole ring lies. Not detected: two passes of rings through one
-    /// common point that cross there without a segment crossing (as at a shared vertex).
+    /// point decides where the whole ring lies.
     /// Computed once on the first call (thread-safe) and shared by copies.
     const Validity& validity() const;
     /// validity().valid.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <cntr/core/edge_sweep.h>
+#include <cntr/core/point_crossings.h>
 #include <cntr/polygon.h>
 #include <cntr/polygon_detail.h>
 #include <foundation/predicates.h>
@@ -95,28 +96,37 @@ std::vector<core::SweptEdge> edgesOf(const std::vector<Polygon>& members) {
     return edges;
 }
 
-// Rule 2 over the edges of every member.
-std::optional<Validity> edgeConflict(const std::vector<Polygon>& members, bool named) {
-    const std::vector<core::SweptEdge> edges = edgesOf(members);
-    const std::optional<core::EdgeConflict> conflict = core::firstEdgeConflict(edges);
-    if (!conflict)
-        return std::nullopt;
-    const core::SweptEdge& a = edges[conflict->first];
-    const core::SweptEdge& b = edges[conflict->second];
+Validity pairViolation(const core::SweptEdge& a, const core::SweptEdge& b, bool crossing,
+                       const xcVector<2>& point, const std::wstring& what, bool named) {
     const bool sameRing = a.member == b.member && a.ring == b.ring;
-    const bool crossing = conflict->contact.kind == xcSegmentContact::crossing;
     const ValidityProblem problem =
         sameRing ? (crossing ? ValidityProblem::selfCrossing : ValidityProblem::selfOverlap)
                  : (crossing ? ValidityProblem::ringsCross : ValidityProblem::ringsOverlap);
-    const std::wstring what = crossing ? L" cross at " : L" overlap from ";
-    Validity v = violation(problem, conflict->contact.point,
+    Validity v = violation(problem, point,
                            ringName(a.member, a.ring, named) + L" edge " +
                                std::to_wstring(a.edge) + L" and " +
                                ringName(b.member, b.ring, named) + L" edge " +
-                               std::to_wstring(b.edge) + what + text(conflict->contact.point));
+                               std::to_wstring(b.edge) + what + text(point));
     place(v, a.member, a.ring, static_cast<long>(a.edge));
     placeOther(v, b.member, b.ring, static_cast<long>(b.edge));
     return v;
+}
+
+// Rule 2 over the edges of every member: edges that cross or overlap, then passes that cross at
+// a common point.
+std::optional<Validity> edgeConflict(const std::vector<Polygon>& members, bool named) {
+    const std::vector<core::SweptEdge> edges = edgesOf(members);
+    std::vector<core::EdgeTouch> touches;
+    if (const std::optional<core::EdgeConflict> c = core::firstEdgeConflict(edges, &touches)) {
+        const bool crossing = c->contact.kind == xcSegmentContact::crossing;
+        return pairViolation(edges[c->first], edges[c->second], crossing, c->contact.point,
+                             crossing ? L" cross at " : L" overlap from ", named);
+    }
+    if (const std::optional<core::PointCrossing> c =
+            core::firstPointCrossing(edges, std::move(touches)))
+        return pairViolation(edges[c->first], edges[c->second], true, c->point,
+                             L" cross through ", named);
+    return std::nullopt;
 }
 
 // A point of `points` that lies on none of `others`, with the vertex index it comes from: the

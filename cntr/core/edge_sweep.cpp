@@ -31,7 +31,8 @@ std::vector<std::size_t> sweepOrder(const std::vector<SweptEdge>& edges,
 
 }  // namespace
 
-std::optional<EdgeConflict> firstEdgeConflict(const std::vector<SweptEdge>& edges) {
+std::optional<EdgeConflict> firstEdgeConflict(const std::vector<SweptEdge>& edges,
+                                              std::vector<EdgeTouch>* touches) {
     std::vector<Box> boxes;
     boxes.reserve(edges.size());
     for (const SweptEdge& e : edges)
@@ -55,9 +56,13 @@ std::optional<EdgeConflict> firstEdgeConflict(const std::vector<SweptEdge>& edge
                 edges[first].start, edges[first].end, edges[second].start, edges[second].end);
             if (isConflict(contact))
                 best = EdgeConflict{first, second, contact};
+            else if (touches && !best && contact.kind == xcSegmentContact::touching)
+                touches->push_back({first, second, contact.point});
         }
         active.push_back(current);
     }
+    if (best && touches)
+        touches->clear();
     return best;
 }
 

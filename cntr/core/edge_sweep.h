@@ -30,12 +30,21 @@ struct EdgeConflict {
     xcSegmentContact contact;
 };
 
+/// A pair of edges with one common point: `first` < `second` index the sweep's input.
+struct EdgeTouch {
+    std::size_t first;
+    std::size_t second;
+    xcVector<2> point;
+};
+
 /// Of all pairs of `edges` that cross at a point interior to both or share a segment of positive
 /// length, the one of smallest (first, second) index; empty when there is none. Touching pairs
 /// are not conflicts. Zero-length edges take no part. Candidates come from a sort of the boxes by
 /// their smallest x and a sweep that keeps the boxes still reaching the current x: O(n log n)
-/// plus the pairs whose x-ranges overlap. Coordinates must be finite.
-CNTR_API std::optional<EdgeConflict> firstEdgeConflict(const std::vector<SweptEdge>& edges);
+/// plus the pairs whose x-ranges overlap. Coordinates must be finite. When `touches` is given
+/// and there is no conflict, it receives every touching pair, in no particular order.
+CNTR_API std::optional<EdgeConflict> firstEdgeConflict(const std::vector<SweptEdge>& edges,
+                                                       std::vector<EdgeTouch>* touches = nullptr);
 
 }  // namespace cntr::core
 

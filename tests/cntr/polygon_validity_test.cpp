@@ -114,6 +114,27 @@ TEST(PolygonValidity, RingTouchingItselfAtAPointIsValid) {
     EXPECT_TRUE(Polygon({{0, 0}, {1, 1}, {2, 0}, {2, 2}, {1, 1}, {0, 2}}).isValid());
 }
 
+TEST(PolygonValidity, RingCrossingItselfThroughAVertex) {
+    // The ring passes (1, 1) twice, once south-west to north-east, once south-east to north-west:
+    // no two edges cross, but the strands do.
+    const Validity v = Polygon({{0, 0}, {1, 1}, {2, 2}, {2, 0}, {1, 1}, {0, 2}}).validity();
+    EXPECT_EQ(v.problem, Problem::selfCrossing);
+    EXPECT_EQ(v.location, (xcVector<2>{1, 1}));
+    EXPECT_EQ(v.message, L"exterior edge 0 and exterior edge 3 cross through (1, 1)");
+    expectPlace(v, 0, 0, 0, 0, 0, 3);
+}
+
+TEST(PolygonValidity, HoleCrossingTheOutlineThroughVerticesOnIt) {
+    // The hole leaves the square through (2, 0) and comes back through (3, 0), both its own
+    // vertices lying inside the square's first edge.
+    const Validity v =
+        Polygon(kSquare, {{{2, 1}, {2, 0}, {2, -1}, {3, -1}, {3, 0}, {3, 1}}}).validity();
+    EXPECT_EQ(v.problem, Problem::ringsCross);
+    EXPECT_EQ(v.location, (xcVector<2>{2, 0}));
+    EXPECT_EQ(v.message, L"exterior edge 0 and hole 0 edge 0 cross through (2, 0)");
+    expectPlace(v, 0, 0, 0, 0, 1, 0);
+}
+
 TEST(PolygonValidity, HoleTouchingTheOutlineAtOnePointIsValid) {
     // At an outline vertex.
     EXPECT_TRUE(Polygon(kSquare, {{{0, 0}, {2, 1}, {1, 2}}}).isValid());
@@ -229,6 +250,16 @@ TEST(MultiPolygonValidity, CrossingMembers) {
     EXPECT_EQ(v.problem, Problem::ringsCross);
     EXPECT_EQ(v.location, (xcVector<2>{2, 1}));
     expectPlace(v, 0, 0, 1, 1, 0, 0);
+}
+
+TEST(MultiPolygonValidity, MembersCrossingThroughVertices) {
+    // The second member runs along the diagonal through the square's corners (2, 2) and (2, 0).
+    const Polygon a({{0, 0}, {2, 0}, {2, 2}, {0, 2}});
+    const Validity v =
+        MultiPolygon({a, Polygon({{1, 1}, {2, 2}, {3, 3}, {3, -1}, {2, 0}})}).validity();
+    EXPECT_EQ(v.problem, Problem::ringsCross);
+    EXPECT_EQ(v.location, (xcVector<2>{2, 0}));
+    expectPlace(v, 0, 0, 0, 1, 0, 3);
 }
 
 TEST(MultiPolygonValidity, MemberInsideAnother) {
