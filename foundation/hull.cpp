@@ -9,7 +9,7 @@
 
 #include <foundation/exception.h>
 #include <foundation/hull.h>
-#include <foundation/predicates.h>
+#include <foundation/predicates_detail.h>
 #include <foundation/runsort.h>
 
 namespace {
@@ -33,7 +33,7 @@ struct LexicographicLess {
 // while they fail to make a strict left turn (this drops collinear points).
 void extendChain(std::vector<xcVector<2>>& chain, std::size_t chainStart, const xcVector<2>& p) {
     while (chain.size() >= chainStart + 2 &&
-           xfOrientation(chain[chain.size() - 2], chain.back(), p) <= 0)
+           xn_predicates::orientation(chain[chain.size() - 2], chain.back(), p) <= 0)
         chain.pop_back();
     chain.push_back(p);
 }
@@ -79,7 +79,7 @@ std::vector<xcVector<2>> extremeOctagon(const std::vector<xcVector<2>>& points) 
 bool strictlyInside(const std::vector<xcVector<2>>& polygon, const xcVector<2>& p,
                     std::size_t& hint) {
     const auto leftOfSide = [&](std::size_t k) {
-        return xfOrientation(polygon[k], polygon[k + 1 == polygon.size() ? 0 : k + 1], p) > 0;
+        return xn_predicates::orientation(polygon[k], polygon[k + 1 == polygon.size() ? 0 : k + 1], p) > 0;
     };
     if (!leftOfSide(hint))
         return false;

@@ -1,20 +1,12 @@
 #include <algorithm>
-#include <cfloat>
 #include <cmath>
 #include <cstddef>
 
 #include <foundation/predicates.h>
+#include <foundation/predicates_detail.h>
 
 namespace {
 
-// Error bound of the floating-point orientation filter: |computed - exact| <= kFilterBound *
-// (|left product| + |right product|) when no operation over- or underflows, (3 + 16 eps) eps with
-// eps = 2^-53 the unit roundoff.
-constexpr double kUnitRoundoff = 0x1.0p-53;
-constexpr double kFilterBound = (3.0 + 16.0 * kUnitRoundoff) * kUnitRoundoff;
-// Below this magnitude of the filter's products an underflowed product could hide the sign, so
-// the exact path decides. Far above the subnormal range, far below any realistic determinant.
-constexpr double kFilterUnderflowGuard = 0x1.0p-900;
 // Dekker's splitter 2^27 + 1: splits a double into two halves of at most 26 significant bits.
 constexpr double kSplitter = 134217729.0;
 
@@ -68,6 +60,10 @@ class Expansion {
 // are first scaled by one power of two so that the largest lies in [0.5, 1): the scaling is exact
 // and keeps every product clear of overflow; the result is exact as long as no nonzero scaled
 // coordinate is below 2^-450 (no product underflows).
+}  // namespace
+
+namespace xn_predicates {
+
 __attribute__((noinline)) int exactOrientation(const xcVector<2>& a, const xcVector<2>& b,
                                                const xcVector<2>& c) {
     const double m = std::max({std::fabs(a.x()), std::fabs(a.y()), std::fabs(b.x()),
@@ -96,6 +92,10 @@ __attribute__((noinline)) int exactOrientation(const xcVector<2>& a, const xcVec
     addProduct(-by, cx);
     return sum.sign();
 }
+
+}  // namespace xn_predicates
+
+namespace {
 
 // Points in (x, then y) order.
 bool lexLess(const xcVector<2>& p, const xcVector<2>& q) {
@@ -150,20 +150,7 @@ xcSegmentContact pointContact(const xcVector<2>& p, const xcVector<2>& a, const 
 }  // namespace
 
 int xfOrientation(const xcVector<2>& a, const xcVector<2>& b, const xcVector<2>& c) {
-    const double acx = a.x() - c.x(), bcx = b.x() - c.x();
-    const double acy = a.y() - c.y(), bcy = b.y() - c.y();
-    const double left = acx * bcy;
-    const double right = acy * bcx;
-    const double det = left - right;
-    const double magnitude = std::fabs(left) + std::fabs(right);
-    if (magnitude >= kFilterUnderflowGuard && magnitude <= DBL_MAX) {
-        if (std::fabs(det) >= kFilterBound * magnitude)
-            return det > 0.0 ? 1 : (det < 0.0 ? -1 : 0);
-    } else if ((acx == 0.0 || bcy == 0.0) && (acy == 0.0 || bcx == 0.0)) {
-        // Both products have an exact zero factor (a difference of doubles is never rounded to 0).
-        return 0;
-    }
-    return exactOrientation(a, b, c);
+    return xn_predicates::orientation(a, b, c);
 }
 
 xcSegmentContact xfSegmentContact(const xcVector<2>& a1, const xcVector<2>& a2,
