@@ -109,7 +109,9 @@ class CNTR_API Polygon {
     /// share them. Throws BadParams as ring(r).
     const core::EdgeIndex* edgeIndex(std::size_t r) const;
 
-    /// The first violation of these rules, each decided with exact predicates (no tolerance):
+    /// The first violation of these rules, each decided with exact predicates (no tolerance;
+    /// exact within the range xfOrientation states, which rules out mixing subnormal
+    /// coordinates with ordinary ones):
     ///  1. every ring has at least 3 distinct vertices (tooFewVertices) and they do not all lie
     ///     on one line (zeroArea); rings are checked in order, the exterior first;
     ///  2. no two edges cross at a point interior to both, and no two edges share a segment of

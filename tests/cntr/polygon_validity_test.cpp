@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include <cntr/core/edge_sweep.h>
 #include <cntr/polygon.h>
 #include <foundation/random.h>
 
@@ -355,6 +357,53 @@ TEST(PolygonValidity, SeededValidityIgnoresStartVertexAndOrientation) {
     // Both outcomes occur often enough for the law to say something.
     EXPECT_GT(valid, 50);
     EXPECT_GT(invalid, 50);
+}
+
+}  // namespace
+
+namespace {
+
+// Every pair of edges, in (first, second) order: the definition the sweep must match.
+std::optional<cntr::core::EdgeConflict> everyPairConflict(const std::vector<cntr::core::SweptEdge>& edges) {
+    for (std::size_t i = 0; i < edges.size(); ++i)
+        for (std::size_t j = i + 1; j < edges.size(); ++j) {
+            if (edges[i].start == edges[i].end || edges[j].start == edges[j].end)
+                continue;
+            const xcSegmentContact c =
+                xfSegmentContact(edges[i].start, edges[i].end, edges[j].start, edges[j].end);
+            if (c.kind == xcSegmentContact::crossing || c.kind == xcSegmentContact::overlapping)
+                return cntr::core::EdgeConflict{i, j, c};
+        }
+    return std::nullopt;
+}
+
+TEST(PolygonEdgeSweep, SeededSweepFindsTheFirstPairOfEveryPairLoop) {
+    xcRandomUniform random(99);
+    int found = 0, none = 0;
+    for (int round = 0; round < 500; ++round) {
+        std::vector<cntr::core::SweptEdge> edges;
+        const std::size_t n = 2 + static_cast<std::size_t>(random.next(0, 30));
+        const double spread = random.next(0, 1) < 0.5 ? 6.0 : 60.0;
+        for (std::size_t k = 0; k < n; ++k) {
+            const xcVector<2> a{std::floor(random.next(0, spread)), std::floor(random.next(0, spread))};
+            const xcVector<2> b{a.x() + std::floor(random.next(-3, 4)), a.y() + std::floor(random.next(-3, 4))};
+            edges.push_back({a, b, 0, 0, k});
+        }
+        const auto expected = everyPairConflict(edges);
+        const auto swept = cntr::core::firstEdgeConflict(edges);
+        ASSERT_EQ(swept.has_value(), expected.has_value());
+        if (!expected) {
+            ++none;
+            continue;
+        }
+        ++found;
+        EXPECT_EQ(swept->first, expected->first);
+        EXPECT_EQ(swept->second, expected->second);
+        EXPECT_EQ(swept->contact.kind, expected->contact.kind);
+        EXPECT_EQ(swept->contact.point, expected->contact.point);
+    }
+    EXPECT_GT(found, 50);
+    EXPECT_GT(none, 50);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <foundation/predicates.h>
+#include <foundation/random.h>
 
 namespace {
 
@@ -145,6 +146,44 @@ TEST(PredicateLocateInRing, DegenerateRingsHaveNoInside) {
     EXPECT_EQ(xfLocateInRing({1, 1}, {{1, 1}}), xcRingLocation::boundary);
     EXPECT_EQ(xfLocateInRing({1, 0}, {{0, 0}, {2, 0}}), xcRingLocation::boundary);
     EXPECT_EQ(xfLocateInRing({1, 1}, {{0, 0}, {2, 0}}), xcRingLocation::outside);
+}
+
+}  // namespace
+
+namespace {
+
+// Coordinates on a coarse grid, with an occasional nudge by one ulp (by 2^-30 at 0, keeping
+// within the range where xfOrientation is exact): many touches, collinear overlaps and near
+// misses.
+double gridCoordinate(xcRandomUniform& random) {
+    const double v = std::floor(random.next(0, 4));
+    if (random.next(0, 1) >= 0.1)
+        return v;
+    const double direction = random.next(0, 1) < 0.5 ? -1.0 : 1.0;
+    return v == 0.0 ? direction * std::ldexp(1.0, -30) : std::nextafter(v, 10.0 * direction);
+}
+
+TEST(PredicateSegmentContact, SeededSymmetricUnderSwapAndReversal) {
+    xcRandomUniform random(4242);
+    int kinds[4] = {};
+    for (int round = 0; round < 20000; ++round) {
+        const xcVector<2> a1{gridCoordinate(random), gridCoordinate(random)};
+        const xcVector<2> a2{gridCoordinate(random), gridCoordinate(random)};
+        const xcVector<2> b1{gridCoordinate(random), gridCoordinate(random)};
+        const xcVector<2> b2{gridCoordinate(random), gridCoordinate(random)};
+        const xcSegmentContact c = xfSegmentContact(a1, a2, b1, b2);
+        ++kinds[c.kind];
+        const xcSegmentContact swapped = xfSegmentContact(b2, b1, a1, a2);
+        EXPECT_EQ(swapped.kind, c.kind);
+        if (c.kind == Kind::touching || c.kind == Kind::overlapping) {
+            // The common point is exact, so it is the same whichever way the segments are given.
+            EXPECT_EQ(swapped.point, c.point);
+            EXPECT_EQ(xfOrientation(a1, a2, c.point), 0);
+            EXPECT_EQ(xfOrientation(b1, b2, c.point), 0);
+        }
+    }
+    for (int count : kinds)
+        EXPECT_GT(count, 100);
 }
 
 }  // namespace
