@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include <cntr/core/box.h>
 #include <cntr/core/edge_sweep.h>
 #include <cntr/core/point_crossings.h>
 #include <cntr/polygon.h>
@@ -182,11 +183,16 @@ bool ringInside(const Ring& inner, const Ring& outer, std::optional<Probe>& prob
     return probe && inside(probe->point, outer);
 }
 
-// Rule 4 for one polygon.
+// Rule 4 for one polygon. Holes whose boxes are apart cannot nest: only the others are probed.
 std::optional<Validity> holesNested(const Polygon& polygon, std::size_t member, bool named) {
     const std::vector<Ring>& holes = polygon.holes();
+    std::vector<core::Box> boxes;
+    for (const Ring& hole : holes)
+        boxes.push_back(core::Box::around(hole.begin(), hole.end()));
     for (std::size_t i = 0; i < holes.size(); ++i)
         for (std::size_t j = i + 1; j < holes.size(); ++j) {
+            if (!boxes[i].overlaps(boxes[j]))
+                continue;
             std::optional<Probe> probe;
             std::size_t inner = i, outer = j;
             if (!ringInside(holes[i], holes[j], probe)) {

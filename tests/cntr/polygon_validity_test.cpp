@@ -202,6 +202,21 @@ TEST(PolygonValidity, HolesSharingAnEdge) {
     expectPlace(v, 0, 1, 1, 0, 2, 3);
 }
 
+TEST(PolygonValidity, ManyHoles) {
+    // 1600 triangles on a grid of pitch 3, then a small triangle inside the first one.
+    std::vector<Ring> holes;
+    for (int i = 0; i < 40; ++i)
+        for (int j = 0; j < 40; ++j)
+            holes.push_back({{3.0 * i + 1, 3.0 * j + 1}, {3.0 * i + 2, 3.0 * j + 1}, {3.0 * i + 1, 3.0 * j + 2}});
+    const Ring exterior = {{0, 0}, {120, 0}, {120, 120}, {0, 120}};
+    EXPECT_TRUE(Polygon(exterior, holes).isValid());
+    holes.push_back({{1.25, 1.25}, {1.5, 1.25}, {1.25, 1.5}});
+    const Validity v = Polygon(exterior, holes).validity();
+    EXPECT_EQ(v.problem, Problem::holesNested);
+    EXPECT_EQ(v.location, (xcVector<2>{1.25, 1.25}));
+    expectPlace(v, 0, 1601, 0, 0, 1, -1);
+}
+
 // The exterior's first edge runs from (0, 0) to (3, 1); a hole vertex one ulp below or above the
 // point (1, 1/3) of that edge. A test that rounded would find the vertex on the edge both times.
 const Ring kSlanted = {{0, 0}, {3, 1}, {3, 3}, {0, 3}};
