@@ -142,6 +142,9 @@ class CNTR_API Polygon {
     /// or open (a repeated closing vertex is dropped). Throws BadParams for a non-finite
     /// coordinate, as the constructor.
     static Polygon fromContour(const xcContour& contour);
+    /// A region has holes that a polygon of its outline would lose: MultiPolygon::fromRegion
+    /// converts it.
+    static Polygon fromContour(const xcRegion& region) = delete;
 
   private:
     struct Data;

@@ -1,4 +1,6 @@
 #include <limits>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -44,6 +46,19 @@ TEST(PolygonConvert, FromClosedAndOpenContours) {
     closing.push_back(square.front());
     EXPECT_EQ(Polygon::fromContour(xcContour(closing, false)).exterior(), square);
     EXPECT_TRUE(Polygon::fromContour(xcContour(square, true)).holes().empty());
+}
+
+template <class Shape, class = void>
+struct TakenByFromContour : std::false_type {};
+template <class Shape>
+struct TakenByFromContour<Shape, std::void_t<decltype(Polygon::fromContour(std::declval<const Shape&>()))>>
+    : std::true_type {};
+
+TEST(PolygonConvert, RegionsAreNotTakenAsContours) {
+    // A region's holes would be lost; MultiPolygon::fromRegion is the conversion for it.
+    static_assert(TakenByFromContour<xcContour>::value, "contours convert");
+    static_assert(!TakenByFromContour<xcRegion>::value, "regions go through fromRegion");
+    SUCCEED();
 }
 
 TEST(PolygonConvert, ContourWithNonFiniteVertexIsRefused) {
