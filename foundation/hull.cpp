@@ -9,119 +9,10 @@
 
 #include <foundation/exception.h>
 #include <foundation/hull.h>
+#include <foundation/predicates_detail.h>
 #include <foundation/runsort.h>
 
 namespace {
-
-// Error bound of the floating-point orientation filter: |computed - exact| <= kFilterBound *
-// (|left product| + |right product|) when no operation over- or underflows, (3 + 16 eps) eps with
-// eps = 2^-53 the unit roundoff.
-constexpr double kUnitRoundoff = 0x1.0p-53;
-constexpr double kFilterBound = (3.0 + 16.0 * kUnitRoundoff) * kUnitRoundoff;
-// Below this magnitude of the filter's products an underflowed product could hide the sign, so
-// the exact path decides. Far above the subnormal range, far below any realistic determinant.
-constexpr double kFilterUnderflowGuard = 0x1.0p-900;
-// Dekker's splitter 2^27 + 1: splits a double into two halves of at most 26 significant bits.
-constexpr double kSplitter = 134217729.0;
-
-// a + b = sum + err exactly (Knuth's two-sum).
-void twoSum(double a, double b, double& sum, double& err) {
-    sum = a + b;
-    const double bVirtual = sum - a;
-    const double aVirtual = sum - bVirtual;
-    err = (a - aVirtual) + (b - bVirtual);
-}
-
-void split(double a, double& hi, double& lo) {
-    const double c = kSplitter * a;
-    hi = c - (c - a);
-    lo = a - hi;
-}
-
-// a * b = product + err exactly (Dekker's two-product), barring over- and underflow.
-void twoProduct(double a, double b, double& product, double& err) {
-    product = a * b;
-    double aHi, aLo, bHi, bLo;
-    split(a, aHi, aLo);
-    split(b, bHi, bLo);
-    err = ((aHi * bHi - product) + aHi * bLo + aLo * bHi) + aLo * bLo;
-}
-
-// An exact sum of doubles held as a non-overlapping expansion, smallest component first.
-class Expansion {
-  public:
-    void add(double b) {
-        double q = b;
-        for (std::size_t i = 0; i < size_; ++i)
-            twoSum(q, c_[i], q, c_[i]);
-        c_[size_++] = q;
-    }
-    // The sign of the exact sum: that of its largest nonzero component.
-    int sign() const {
-        for (std::size_t i = size_; i-- > 0;)
-            if (c_[i] != 0.0)
-                return c_[i] > 0.0 ? 1 : -1;
-        return 0;
-    }
-
-  private:
-    double c_[12] = {};
-    std::size_t size_ = 0;
-};
-
-// The exact sign of (b - a) x (c - a), from the six-term expansion
-// ax*by - ax*cy - ay*bx + ay*cx + bx*cy - by*cx evaluated without rounding. All six coordinates
-// are first scaled by one power of two so that the largest lies in [0.5, 1): the scaling is exact
-// and keeps every product clear of overflow; the result is exact as long as no nonzero scaled
-// coordinate is below 2^-450 (no product underflows).
-__attribute__((noinline)) int exactOrientation(const xcVector<2>& a, const xcVector<2>& b,
-                                               const xcVector<2>& c) {
-    const double m = std::max({std::fabs(a.x()), std::fabs(a.y()), std::fabs(b.x()),
-                               std::fabs(b.y()), std::fabs(c.x()), std::fabs(c.y())});
-    if (m == 0.0)
-        return 0;
-    int exponent = 0;
-    std::frexp(m, &exponent);
-    const auto scaled = [exponent](double v) { return std::ldexp(v, -exponent); };
-    const double ax = scaled(a.x()), ay = scaled(a.y());
-    const double bx = scaled(b.x()), by = scaled(b.y());
-    const double cx = scaled(c.x()), cy = scaled(c.y());
-
-    Expansion sum;
-    const auto addProduct = [&sum](double u, double v) {
-        double product, err;
-        twoProduct(u, v, product, err);
-        sum.add(err);
-        sum.add(product);
-    };
-    addProduct(ax, by);
-    addProduct(-ax, cy);
-    addProduct(-ay, bx);
-    addProduct(ay, cx);
-    addProduct(bx, cy);
-    addProduct(-by, cx);
-    return sum.sign();
-}
-
-// The sign of the orientation of (a, b, c): +1 counter-clockwise (y up), -1 clockwise, 0
-// collinear. A floating-point evaluation decides when its error bound allows; otherwise the exact
-// expansion does.
-inline int orientation(const xcVector<2>& a, const xcVector<2>& b, const xcVector<2>& c) {
-    const double acx = a.x() - c.x(), bcx = b.x() - c.x();
-    const double acy = a.y() - c.y(), bcy = b.y() - c.y();
-    const double left = acx * bcy;
-    const double right = acy * bcx;
-    const double det = left - right;
-    const double magnitude = std::fabs(left) + std::fabs(right);
-    if (magnitude >= kFilterUnderflowGuard && magnitude <= DBL_MAX) {
-        if (std::fabs(det) >= kFilterBound * magnitude)
-            return det > 0.0 ? 1 : (det < 0.0 ? -1 : 0);
-    } else if ((acx == 0.0 || bcy == 0.0) && (acy == 0.0 || bcx == 0.0)) {
-        // Both products have an exact zero factor (a difference of doubles is never rounded to 0).
-        return 0;
-    }
-    return exactOrientation(a, b, c);
-}
 
 void checkFinite(const std::vector<xcVector<2>>& points) {
     for (std::size_t i = 0; i < points.size(); ++i) {
@@ -142,7 +33,7 @@ struct LexicographicLess {
 // while they fail to make a strict left turn (this drops collinear points).
 void extendChain(std::vector<xcVector<2>>& chain, std::size_t chainStart, const xcVector<2>& p) {
     while (chain.size() >= chainStart + 2 &&
-           orientation(chain[chain.size() - 2], chain.back(), p) <= 0)
+           xn_predicates::orientation(chain[chain.size() - 2], chain.back(), p) <= 0)
         chain.pop_back();
     chain.push_back(p);
 }
@@ -188,7 +79,7 @@ std::vector<xcVector<2>> extremeOctagon(const std::vector<xcVector<2>>& points) 
 bool strictlyInside(const std::vector<xcVector<2>>& polygon, const xcVector<2>& p,
                     std::size_t& hint) {
     const auto leftOfSide = [&](std::size_t k) {
-        return orientation(polygon[k], polygon[k + 1 == polygon.size() ? 0 : k + 1], p) > 0;
+        return xn_predicates::orientation(polygon[k], polygon[k + 1 == polygon.size() ? 0 : k + 1], p) > 0;
     };
     if (!leftOfSide(hint))
         return false;
