@@ -3,10 +3,11 @@
 
 #include <cntr/contour_detail.h>
 #include <cntr/core/edge_index.h>
-#include <cntr/core/tolerances.h>
+#include <cntr/tolerances.h>
 #include <foundation/thread.h>
 
 using namespace xn_contourDetail;
+using namespace cntr;
 using namespace cntr::core;
 
 namespace {

@@ -4,9 +4,10 @@
 #include <cntr/contour.h>
 #include <cntr/contour_detail.h>
 #include <cntr/core/length.h>
-#include <cntr/core/tolerances.h>
+#include <cntr/tolerances.h>
 
 using namespace xn_contourDetail;
+using namespace cntr;
 using namespace cntr::core;
 
 namespace {

@@ -9,9 +9,10 @@
 #include <cntr/core/edge_index.h>
 #include <cntr/core/nearest.h>
 #include <cntr/core/reference.h>
-#include <cntr/core/tolerances.h>
+#include <cntr/tolerances.h>
 
 using namespace xn_contourDetail;
+using namespace cntr;
 using namespace cntr::core;
 
 long xcContour::closestVertexIndex(const xcVector<2>& point) const {

@@ -11,9 +11,9 @@
 #include <cntr/moments_internal.h>
 #include <foundation/geometry.h>
 #include <foundation/numeric.h>
-#include <cntr/core/tolerances.h>
+#include <cntr/tolerances.h>
 
-using namespace cntr::core;
+using namespace cntr;
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <cntr/moments.h>
 #include <foundation/exception.h>
 #include <foundation/numeric.h>
-#include <cntr/core/tolerances.h>
+#include <cntr/tolerances.h>
 
-using namespace cntr::core;
+using namespace cntr;
 
 namespace {
 

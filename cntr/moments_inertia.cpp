@@ -6,9 +6,9 @@
 #include <cntr/moments.h>
 #include <foundation/exception.h>
 #include <foundation/geometry.h>
-#include <cntr/core/tolerances.h>
+#include <cntr/tolerances.h>
 
-using namespace cntr::core;
+using namespace cntr;
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <cntr/moments.h>
 #include <cntr/region_detail.h>
 #include <cntr/regionst_detail.h>
-#include <cntr/core/tolerances.h>
+#include <cntr/tolerances.h>
 #include <foundation/numeric.h>
 
 using namespace xn_regionDetail;
@@ -54,7 +54,7 @@ xcVector<2> xcRegionSet::centerOfMass(bool considerHoles) {
         weighted += region.area(considerHoles) * center;
         total += region.area(considerHoles);
     }
-    const bool noArea = xfRealEq(total, 0.0, cntr::core::kExactTolerance);
+    const bool noArea = xfRealEq(total, 0.0, cntr::kExactTolerance);
     slot.value = noArea ? xcVector<2>() : weighted / total;
     slot.valid = true;
     mutating();

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include <cntr/core/reference.h>
-#include <cntr/core/tolerances.h>
+#include <cntr/tolerances.h>
 
 namespace cntr::core {
 

@@ -10,7 +10,7 @@
 #include <cntr/core/circles.h>
 #include <cntr/core/reference.h>
 #include <cntr/core/segment_hits.h>
-#include <cntr/core/tolerances.h>
+#include <cntr/tolerances.h>
 #include <foundation/angle.h>
 #include <foundation/runsort.h>
 

@@ -11,7 +11,7 @@
 
 #include <cntr/core/box.h>
 #include <cntr/core/outline.h>
-#include <cntr/core/tolerances.h>
+#include <cntr/tolerances.h>
 #include <cntr/export.h>
 #include <foundation/vector.h>
 

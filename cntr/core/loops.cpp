@@ -16,7 +16,7 @@
 #include <cntr/contourdefs.h>
 #include <cntr/core/box.h>
 #include <cntr/core/prepared_outline.h>
-#include <cntr/core/tolerances.h>
+#include <cntr/tolerances.h>
 #include <cntr/core/vertex_grid.h>
 #include <cntr/core/walk.h>
 #include <foundation/exception.h>

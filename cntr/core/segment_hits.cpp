@@ -7,7 +7,7 @@
 #include <utility>
 
 #include <cntr/core/reference.h>
-#include <cntr/core/tolerances.h>
+#include <cntr/tolerances.h>
 #include <foundation/numeric.h>
 
 namespace cntr::core {

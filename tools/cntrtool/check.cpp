@@ -6,6 +6,7 @@
 
 #include <cntr/contour.h>
 #include <cntr/moments.h>
+#include <cntr/tolerances.h>
 #include <foundation/hull.h>
 #include <foundation/numeric.h>
 
@@ -71,6 +72,12 @@ bool insideOutline(const xcVector<2>& p, const Points& outline) {
     return inside;
 }
 
+// The touching-hole test's own tolerances: a point this close to the outline, relative to the
+// coordinates' extent, lies on it; cuts of a hole edge closer than this (as fractions of the
+// edge) are one cut.
+constexpr double kOnOutlineRelative = 1e-9;
+constexpr double kSameCut = 1e-12;
+
 // Whether a hole that meets its outline only touches it: cut at every point where they meet,
 // each piece of the hole's outline lies strictly inside the region. A piece that runs along the
 // outline, or outside it, makes a crossing.
@@ -78,7 +85,7 @@ bool touchesOnly(const Points& outline, const Points& hole) {
     double extent = 1.0;
     for (const xcVector<2>& p : outline)
         extent = std::max({extent, std::fabs(p.x()), std::fabs(p.y())});
-    const double tolerance = 1e-9 * extent;
+    const double tolerance = kOnOutlineRelative * extent;
     for (std::size_t k = 0; k < hole.size(); ++k) {
         const xcVector<2>& a = hole[k];
         const xcVector<2>& b = hole[(k + 1) % hole.size()];
@@ -87,7 +94,7 @@ bool touchesOnly(const Points& outline, const Points& hole) {
             meetings(a, b, outline[j], outline[(j + 1) % outline.size()], cuts);
         std::sort(cuts.begin(), cuts.end());
         for (std::size_t c = 0; c + 1 < cuts.size(); ++c) {
-            if (cuts[c + 1] - cuts[c] <= 1e-12)
+            if (cuts[c + 1] - cuts[c] <= kSameCut)
                 continue;
             const xcVector<2> middle = a + (b - a) * ((cuts[c] + cuts[c + 1]) / 2);
             if (onOutline(middle, outline, tolerance) || !insideOutline(middle, outline))
@@ -177,7 +184,7 @@ class Checker {
         std::size_t count = 0, first = 0;
         for (std::size_t k = closed ? 0 : 1; k < p.size(); ++k) {
             const std::size_t previous = k == 0 ? p.size() - 1 : k - 1;
-            if (xfRealEq(p[previous], p[k], kRepeatedVertexTolerance) && count++ == 0)
+            if (xfRealEq(p[previous], p[k], cntr::kExactTolerance) && count++ == 0)
                 first = k;
         }
         if (count > 0)

@@ -10,10 +10,6 @@
 
 namespace cntrtool {
 
-/// Two consecutive vertices closer than this in each coordinate repeat one another (the
-/// library's own bound for a degenerate edge).
-constexpr double kRepeatedVertexTolerance = 1e-15;
-
 /// One problem of one shape. The codes:
 /// - too-few-vertices: a region outline (a hole or set member too) with fewer than 3 vertices,
 ///   a contour with fewer than 2;

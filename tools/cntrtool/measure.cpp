@@ -6,21 +6,13 @@
 #include <utility>
 
 #include <cntr/moments.h>
+#include <cntr/tolerances.h>
 #include <foundation/exception.h>
 #include <foundation/fit.h>
 
 #include "output.h"
 
 namespace cntrtool {
-
-namespace {
-
-// The library's centroid skips the fan triangles whose cross product is within this of 0...
-constexpr double kNegligibleCross = 1e-15;
-// ...and a set's centroid is (0, 0) when its regions' areas sum to within this of 0.
-constexpr double kNegligibleSetArea = 1e-15;
-
-}  // namespace
 
 std::string centroidConvention(const std::vector<xcVector<2>>& points) {
     if (points.size() <= 2)
@@ -31,11 +23,12 @@ std::string centroidConvention(const std::vector<xcVector<2>>& points) {
     xcVector<2> previous = points.back();
     for (const xcVector<2>& current : points) {
         const double w = previous.cross(current);
-        if (std::fabs(w) > kNegligibleCross)
+        // The library skips the fan triangles whose cross product is negligible.
+        if (std::fabs(w) > cntr::kNegligibleTriangleCross)
             sum += w;
         previous = current;
     }
-    if (!(std::fabs(sum) <= kCentroidThreshold))
+    if (!(std::fabs(sum) <= cntr::kNegligibleTotalCross))
         return "";
     if (sum == 0.0)
         return "the outline encloses no area: the library gives the centroid (0, 0) by convention";
@@ -271,11 +264,12 @@ void measureRegion(Measures& m, const Shape& shape) {
 }
 
 // Why the library's centroid of the set is a convention, or "": the regions' areas sum to
-// within 1e-15 of 0, or a region that weighs in has a conventional centroid.
+// within the library's exact tolerance of 0, or a region that weighs in has a conventional
+// centroid.
 std::string setCentroidConvention(const xcRegionSet::MutableRegionHandles& regions, double area) {
     if (regions.empty())
         return "";  // the library refuses it: the set holds no regions
-    if (std::fabs(area) <= kNegligibleSetArea)
+    if (std::fabs(area) <= cntr::kExactTolerance)
         return "the regions' areas sum to 0: the library gives (0, 0) by convention";
     for (std::size_t i = 0; i < regions.size(); ++i) {
         const std::string why = regionCentroidConvention(*regions[i]);

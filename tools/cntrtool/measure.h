@@ -49,14 +49,10 @@ struct MeasureFailure {
     Unavailable cause = Unavailable::refused;
 };
 
-/// Twice the area below which the library's centroid of a polygon is (0, 0) by convention:
-/// its summed cross products within this of 0.
-constexpr double kCentroidThreshold = 1e-6;
-
 /// Why the library's centroid of the polygon `points` is its convention (0, 0) rather than a
 /// value, or "" when it is a value: 2 points or fewer, or cross products (the same fan of
-/// triangles from the origin, edges within 1e-15 of 0 skipped) summing to within
-/// kCentroidThreshold of 0.
+/// triangles from the origin, negligible ones skipped) summing to within
+/// cntr::kNegligibleTotalCross of 0.
 std::string centroidConvention(const std::vector<xcVector<2>>& points);
 
 /// Everything `measure` reports for one shape. An empty field is not available, and

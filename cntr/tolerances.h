@@ -1,13 +1,14 @@
 // Every fixed tolerance and rounding margin of the contour library, with what it means and where
-// it applies (internal header, not installed). Each value has one name; public headers describe
-// a tolerance by its meaning and cite the value once. Changing a value changes results that the
-// library's users and tests depend on.
-#ifndef CNTR_CORE_TOLERANCES_H
-#define CNTR_CORE_TOLERANCES_H
+// it applies: the one place where these values are defined. Each value has one name; the other
+// headers describe a tolerance by its meaning. Applications may read them (cntrtool does, to
+// report the library's conventions as such); changing one changes results that the library's
+// users and tests depend on.
+#ifndef CNTR_TOLERANCES_H
+#define CNTR_TOLERANCES_H
 
 #include <cstddef>
 
-namespace cntr::core {
+namespace cntr {
 
 // ---- equality and coincidence ----
 
@@ -112,6 +113,6 @@ constexpr double kCircleFilterMaxCoordinate = 1e150;
 /// one.
 constexpr double kCircleFilterSlack = 1e-9;
 
-}  // namespace cntr::core
+}  // namespace cntr
 
 #endif
