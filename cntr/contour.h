@@ -8,6 +8,7 @@
 #include <cntr/contourdefs.h>
 #include <cntr/contourmemo.h>
 #include <cntr/export.h>
+#include <cntr/tolerances.h>  // the tolerances the comments name
 #include <foundation/angle.h>
 #include <foundation/geometry.h>
 #include <foundation/handle.h>
@@ -98,7 +99,7 @@ public:
     xcContour(const std::vector<xcVector<2>>& points, bool closed, unsigned long label = 0);
     /// A contour of all the polygon's vertices in order (a repeated first vertex at the end is
     /// kept as a vertex). It is closed exactly when the first and the last vertex are equal
-    /// within 1e-15 in each coordinate (an empty polygon gives an open contour).
+    /// within kExactTolerance in each coordinate (an empty polygon gives an open contour).
     explicit xcContour(const xcPolygon& polygon, unsigned long label = 0);
     /// A copy of `other`, its valid caches included (see operator=).
     xcContour(const xcContour& other);
@@ -158,7 +159,7 @@ public:
 
     /// The sum of the edge lengths; 0 for a contour without vertices (no check, not cached then).
     /// Cached. Up to 2^19 edges the lengths are added in four interleaved partial sums, which
-    /// agrees with the sum in edge order to within 1e-10 relative (usually to the last bit or
+    /// agrees with the sum in edge order to within kReorderedAreaTolerance relative (usually to the last bit or
     /// two); longer contours add them in edge order.
     double length() const;
     /// The length-weighted mean of the edge midpoints: the centre of mass of the polyline taken
@@ -166,7 +167,7 @@ public:
     /// is the division by zero's (NaN, NaN). Cached. Throws EmptyContour.
     xcVector<2> meanPosition();
     /// The index of the vertex furthest in direction `angle`: the first vertex with the highest
-    /// score, the score being x, -x, y or -y when (cos, sin) of the angle is within 1e-15 of an
+    /// score, the score being x, -x, y or -y when (cos, sin) of the angle is within kExactTolerance of an
     /// axis direction, else the dot product with the direction. When no vertex scores above the
     /// lowest double (all scores NaN, for example), the result is -1. Memoised by angle.
     /// Throws EmptyContour.
@@ -179,7 +180,7 @@ public:
     /// ("diameterMode is not one of the valid enums") for an invalid mode.
     double diameter(xcContourDefs::DiameterMode mode) const;
     /// The axis-aligned bounding box of the vertices mapped through `xform` (the raw vertices
-    /// when `xform` is the identity within 1e-15). Memoised by transform; the memo key ignores
+    /// when `xform` is the identity within kExactTolerance). Memoised by transform; the memo key ignores
     /// matrix element (1,1) on purpose, so a transform that differs from a memoised one only
     /// there returns that one's rectangle. The memo is shared with the library's internal
     /// callers (the segment queries ask for the identity). Throws EmptyContour.
@@ -198,8 +199,8 @@ public:
     /// The points where edges cross `seg`, ordered along `seg` from p1 by the key
     /// (P - p1) . (p2 - p1) with a plain exchange sort, which is not stable: points with equal
     /// keys end in the order that sort leaves them. Degenerate edges and edges parallel to
-    /// `seg` (within 1e-12) are never reported. With `includeEndTouches` false an edge that
-    /// passes within 1e-6 of either end of `seg` is ignored. A crossing exactly through a vertex
+    /// `seg` (unit directions' cross product within 1e-12, the foundation's parallel test) are never reported. With `includeEndTouches` false an edge that
+    /// passes within kCoincidentTolerance of either end of `seg` is ignored. A crossing exactly through a vertex
     /// is reported once per edge. Throws EmptyContour. On contours of at least a few dozen
     /// edges with moderate finite coordinates the candidate edges come from the edge index
     /// (built by the first query that needs it, cached until the next change, under 12 bytes per
@@ -286,7 +287,7 @@ protected:
     void checkEmptyContour() const;
 
     /// Builds the edge segments, lines, rectangles and validity flags unless they are valid.
-    /// An edge whose ends are equal within 1e-15 is degenerate: it keeps its place with a
+    /// An edge whose ends are equal within kExactTolerance is degenerate: it keeps its place with a
     /// default segment, line and rectangle and a false validity flag.
     void computeLineSegs() const;
     /// One segment per edge, in edge order (built first when needed).

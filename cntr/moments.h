@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <cntr/export.h>
+#include <cntr/tolerances.h>  // the tolerances the comments name
 #include <foundation/geometry.h>
 #include <foundation/matrix.h>
 #include <foundation/vector.h>
@@ -40,7 +41,7 @@ class CNTR_API xc_InertiaData {
     ///
     /// A record whose area is exactly 0 (or NaN) is neutral: the other record is returned as it
     /// is. Otherwise the areas add, the centre is the mean of the two centres weighted by the
-    /// signed areas ((0, 0) when the summed area is within 1e-16 of 0), and the matrices combine
+    /// signed areas ((0, 0) when the summed area is within kNegligibleCombinedArea of 0), and the matrices combine
     /// by the parallel-axis theorem. Two areas of one sign add their moments with weights |area|.
     /// Two areas of opposite sign (or a NaN product) keep signed weights and subtract the matrix
     /// of the member with the smaller signed area, so a negative member (a hole, a clockwise fan
@@ -62,7 +63,7 @@ class CNTR_API xc_InertiaData {
 /// coordinates give NaN. From 8 to 2^17 points, the cross products are added in four interleaved
 /// partial sums, which the processor adds in parallel, when a sample of every 16th term
 /// predicts, and a bound on the rounding (from the sum of their absolute values) then shows,
-/// the result within 1e-10 relative of the sum in edge order; otherwise, and for non-finite
+/// the result within kReorderedAreaTolerance relative of the sum in edge order; otherwise, and for non-finite
 /// terms, they are added in edge order.
 CNTR_API double xf_Area(const std::vector<xcVector<2>>& points);
 
@@ -74,9 +75,9 @@ namespace xnContour {
 /// The area centroid of the polygon, the same for either vertex order.
 ///
 /// The polygon is cut into triangles (origin, previous, current), one per edge; edges whose
-/// cross product is within 1e-15 of 0 are skipped, and each triangle's centroid (found as the
+/// cross product is within kNegligibleTriangleCross of 0 are skipped, and each triangle's centroid (found as the
 /// crossing of two medians) is weighted by the signed cross product. Returns (0, 0) for 2 points
-/// or fewer, and when the summed weights are within 1e-6 of 0 (collinear points, for example):
+/// or fewer, and when the summed weights are within kNegligibleTotalCross of 0 (collinear points, for example):
 /// not the mean of the points. Throws xcMathError::Singular when the two medians of a fan
 /// triangle are parallel within the foundation's line tolerance (only for extremely thin
 /// triangles). NaN coordinates give a NaN result.
@@ -98,7 +99,7 @@ CNTR_API xcVector<2> xf_CenterOfMass(const std::vector<xcEdgelet>& edgelets);
 /// The polygon is cut into a fan of triangles (centroid, previous, current), one per edge, and
 /// the triangle records are combined with xc_InertiaData::operator+ in three passes so that the
 /// large contributions are summed first: triangles above the mean area (for a negative mean:
-/// every triangle whose area differs from it), then those beyond 1e-6 in the sign of the mean,
+/// every triangle whose area differs from it), then those beyond kSmallTriangleArea in the sign of the mean,
 /// then the rest. For a polygon star-shaped about its centroid (every convex polygon) and for
 /// any counter-clockwise polygon the result is the true record; a clockwise polygon whose fan
 /// mixes orientations (a flat triangle whose area rounds positive counts) gets what the
@@ -107,14 +108,15 @@ CNTR_API xcVector<2> xf_CenterOfMass(const std::vector<xcEdgelet>& edgelets);
 ///
 /// Each triangle is measured on a side that holds the foot of the opposite altitude. A side
 /// counts as holding it unless the corner is farther from the side than from its line by more
-/// than 1e-10; a foot just outside a side (by up to about sqrt(2e-10 h), h the height) is thus
+/// than kFootOutsideSlack; a foot just outside a side (by up to about sqrt(2 kFootOutsideSlack h),
+/// h the height) is thus
 /// measured as inside, on a base too long by twice that distance. This is deliberate
 /// behaviour, kept for compatibility; xf_Area and xnContour::centerOfMass are not affected.
 ///
 /// Fewer than 3 points give the zero record. Throws xcMathError::Singular from the centroid
 /// (see xnContour::centerOfMass), and when rounding leaves no side of a fan triangle that holds
 /// the foot, where the search for such a side would otherwise never end: this needs
-/// coordinates of about 1e6 or more (distances are then rounded by more than the 1e-10 slack).
+/// coordinates of about 1e6 or more (distances are then rounded by more than that slack).
 /// NaN coordinates give NaN values.
 CNTR_API xc_InertiaData xf_InertiaDataPolygon(const std::vector<xcVector<2>>& points);
 
@@ -124,7 +126,7 @@ CNTR_API xc_InertiaData xf_InertiaDataPolygon(const std::vector<xcVector<2>>& po
 /// rotation) and b (across it) give the semi-axes r1 = (16 a^3 / (pi^2 b))^(1/8) and
 /// r2 = (16 b^3 / (pi^2 a))^(1/8), which invert the moments of a solid ellipse. The centre is
 /// data's centre of mass; the area member is not used; both ellipse flags are false. Throws
-/// xcMathError::Singular when a principal moment is within 1e-12 of 0 (the zero record too).
+/// xcMathError::Singular when a principal moment is within kZeroPrincipalMoment of 0 (the zero record too).
 CNTR_API xcEllipse xf_EllipseFromInertiaData(const xc_InertiaData& data);
 
 /// Fits an ellipse to `points` with the foundation's direct least-squares fit (all parameters,

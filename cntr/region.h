@@ -6,6 +6,7 @@
 #include <cntr/contour.h>
 #include <cntr/contourdefs.h>
 #include <cntr/export.h>
+#include <cntr/tolerances.h>  // the tolerances the comments name
 #include <foundation/geometry.h>
 #include <foundation/handle.h>
 #include <foundation/matrix.h>
@@ -153,7 +154,7 @@ class CNTR_API xcRegion : public virtual xcContour {
 
     /// Whether `point` lies inside the outline (an odd crossing count of an adaptive ray) and,
     /// with `considerHoles`, inside none of the holes, each asked with its own holes considered
-    /// (so a point on an island inside a hole is inside). A point within 1e-6 of an outline
+    /// (so a point on an island inside a hole is inside). A point within kOnVertexTolerance of an outline
     /// vertex counts as inside. Points near an edge but not a vertex get what the ray gives.
     /// Only the outline's edge index is cached (built by the first call on an outline of a few
     /// dozen edges or more; see xcContour::intersections). Throws EmptyContour for fewer than 2
@@ -214,7 +215,7 @@ class CNTR_API xcRegion : public virtual xcContour {
     /// walk exceeds its bound; the cache then stays invalid and `result` unchanged.
     void regularize(xcRegion& result) const;
     /// As regularize, with its own cache, but the walk is reduced to one outline: it is cut at
-    /// each point that vertexIndex (tolerance 1e-6) finds twice, into loops (the first repeat
+    /// each point that vertexIndex (tolerance kWalkVertexTolerance) finds twice, into loops (the first repeat
     /// found is cut first, the loop after it goes to the end of the list); every loop whose
     /// vertices 0 and 1 have their midpoint inside() another loop is dropped (the last loop
     /// taking its place); then pairs of loops sharing a vertex are joined at the first shared
@@ -277,7 +278,7 @@ class CNTR_API xcRegion : public virtual xcContour {
     /// the first gap wider than pi / n between the directions to the vertices (or +x), of the
     /// length of the outline's diameter; with `bothWays`, the smaller of the counts of that ray
     /// and the opposite one (the first on a tie). 0 outside the bounding rectangle, 1 within
-    /// 1e-6 of a vertex. Holes take no part. Computed by the core's crossing count from this
+    /// kOnVertexTolerance of a vertex. Holes take no part. Computed by the core's crossing count from this
     /// region's caches (its enclosing rectangle, edge index, diameter and segment query).
     long insideCount(const xcVector<2>& point, bool bothWays) const;
     /// The walk engine of regularize (`full` false) and outerHull (`full` true), uncached: it

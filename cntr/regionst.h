@@ -8,6 +8,7 @@
 #include <cntr/contourmemo.h>
 #include <cntr/export.h>
 #include <cntr/region.h>
+#include <cntr/tolerances.h>  // the tolerances the comments name
 #include <foundation/geometry.h>
 #include <foundation/handle.h>
 #include <foundation/matrix.h>
@@ -137,7 +138,7 @@ class CNTR_API xcRegionSet : public virtual xcPersistent, public virtual xcRepBa
     /// flag; a fill calls mutating().
     double area(bool considerHoles) const;
     /// The area-weighted mean of the regions' centerOfMass(considerHoles); (0, 0) when the
-    /// areas sum to within 1e-15 of 0. Cached per flag; a fill calls mutating(). Throws
+    /// areas sum to within kExactTolerance of 0. Cached per flag; a fill calls mutating(). Throws
     /// EmptyRegionSet.
     xcVector<2> centerOfMass(bool considerHoles);
     /// The central inertia matrix of the union of the regions: their inertia records (area,
