@@ -158,13 +158,21 @@ TEST(Commands, RepairWritesTheInputFormatAndLeavesOnlyWhatItNames) {
     EXPECT_EQ(original["annotations"].size(), repaired["annotations"].size());
 }
 
-TEST(Commands, ProgressForLargeFiles) {
-    ScratchDir dir;
+namespace {
+
+// A file of n copies of one triangle, enough to show progress past 10,000 shapes.
+std::string manyTriangles(int n) {
     std::string json = R"({"shapes": [)";
-    const int n = 10001;
     for (int i = 0; i < n; ++i)
         json += std::string(i ? "," : "") + R"({"kind": "region", "points": [[0, 0], [1, 0], [1, 1]]})";
-    json += "]}";
+    return json + "]}";
+}
+
+}  // namespace
+
+TEST(Commands, ProgressForLargeFiles) {
+    ScratchDir dir;
+    const std::string json = manyTriangles(10001);
     const auto r = runTool({"measure", dir.write("big.json", json)});
     EXPECT_EQ(r.status, cntrtool::kExitOk);
     EXPECT_TRUE(std::regex_search(r.err, std::regex("measured 10001 of 10001 shapes in [0-9.]+ s")))
@@ -174,11 +182,7 @@ TEST(Commands, ProgressForLargeFiles) {
 TEST(Commands, RepairProgressCountsTheShapesProcessed) {
     // Triangles that need no repair: the progress must not call them repaired.
     ScratchDir dir;
-    std::string json = R"({"shapes": [)";
-    const int n = 10001;
-    for (int i = 0; i < n; ++i)
-        json += std::string(i ? "," : "") + R"({"kind": "region", "points": [[0, 0], [1, 0], [1, 1]]})";
-    json += "]}";
+    const std::string json = manyTriangles(10001);
     const auto r = runTool({"repair", dir.write("big.json", json), "-o", dir.file("out.json")});
     EXPECT_EQ(r.status, cntrtool::kExitOk);
     EXPECT_TRUE(std::regex_search(r.err, std::regex("^processed 10001 of 10001 shapes in [0-9.]+ s")))
