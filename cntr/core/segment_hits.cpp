@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include <cntr/core/extent.h>
 #include <cntr/core/reference.h>
 #include <cntr/tolerances.h>
 #include <foundation/numeric.h>
@@ -436,12 +437,7 @@ void fillEdgeTable(const OutlineView& outline, EdgeTable& table) {
     });
 }
 
-xcRect boundingRect(const OutlineView& outline) {
-    xcRect box(outline[0], xcVector<2>());
-    for (std::size_t i = 1; i < outline.size(); ++i)
-        box = box.enclose(xcRect::at(outline[i]));
-    return box;
-}
+xcRect boundingRect(const OutlineView& outline) { return enclosingRect(outline, xcXform<2>::I); }
 
 void indexedHits(const OutlineView& outline, const EdgeIndex& index, const SegmentQuery& query,
                  std::vector<SegmentHit>& hits) {

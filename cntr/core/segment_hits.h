@@ -42,9 +42,8 @@ struct SegmentQuery {
 /// ends. The vectors are cleared first (their storage kept).
 CNTR_API void fillEdgeTable(const OutlineView& outline, EdgeTable& table);
 
-/// The bounding rectangle of the vertices as the contour's enclosing rectangle in the identity
-/// frame computes it: vertex 0's zero-size rectangle enclosing each further vertex in turn. The
-/// outline must have a vertex.
+/// The bounding rectangle of the vertices: enclosingRect (see extent.h) in the identity frame.
+/// The outline must have a vertex.
 CNTR_API xcRect boundingRect(const OutlineView& outline);
 
 /// The hits of referenceSegmentHits (see reference.h) through the index, in the order its walk

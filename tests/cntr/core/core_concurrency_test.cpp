@@ -13,6 +13,7 @@
 #include <cntr/core/circles.h>
 #include <cntr/core/containment.h>
 #include <cntr/core/edge_index.h>
+#include <cntr/core/extent.h>
 #include <cntr/core/length.h>
 #include <cntr/core/loops.h>
 #include <cntr/core/nearest.h>
@@ -105,6 +106,10 @@ std::vector<std::uint64_t> workload(const SharedShape& s, const Queries& q) {
     record(out, bounds.ul());
     record(out, bounds.lr());
     record(out, outlineLength(outline));
+    record(out, wireCentre(outline));
+    out.push_back(static_cast<std::uint64_t>(extremalVertex(outline, xcRadian(0.3))));
+    record(out,
+           enclosingRect(outline, xcXform<2>(xcMatrix<2>(0.5, 1, -1, 2), xcVector<2>(3, 4))).lr());
     record(out, referenceLength(outline));
     record(out, furthestPairCircle(outline).center());
     record(out, fromFirstVertexCircle(outline).radius());
