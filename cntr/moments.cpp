@@ -104,7 +104,7 @@ bool reorderingLikelyAdmissible(const std::vector<xcVector<2>>& p) {
         magnitude += std::fabs(t);
     }
     const double n = static_cast<double>(p.size());
-    return 2.01 * n * kUnitRoundoff * magnitude <= 0.5 * kReorderedAreaTolerance * std::fabs(sum);
+    return 2.01 * n * xcUnitRoundoff * magnitude <= 0.5 * kReorderedAreaTolerance * std::fabs(sum);
 }
 
 /// The unsigned area from the reordered sum when it provably lies within 1e-10 relative of the
@@ -119,7 +119,7 @@ double fastUnsignedArea(const std::vector<xcVector<2>>& points) {
         return moments_detail::plainArea(points);
     double magnitude = 0.0;
     const double sum = interleavedCrossSum(points, magnitude);
-    const double bound = 2.01 * static_cast<double>(n) * kUnitRoundoff * magnitude;
+    const double bound = 2.01 * static_cast<double>(n) * xcUnitRoundoff * magnitude;
     const bool provablyClose = magnitude < 1e300 && std::isfinite(sum) &&
                                bound <= 0.99 * kReorderedAreaTolerance * (std::fabs(sum) - bound);
     if (!provablyClose)

@@ -49,9 +49,6 @@ constexpr double kNegligibleTotalCross = 1e-6;
 /// order.
 constexpr double kReorderedAreaTolerance = 1e-10;
 
-/// The unit roundoff of double, 2^-53 (the rounding bound of the area's reordered sum).
-constexpr double kUnitRoundoff = 1.1102230246251565e-16;
-
 /// Slack on the inertia's test "the foot of the altitude lies outside the base": the foot counts
 /// as outside only when the distance to the base's line is below the distance to the base
 /// segment by more than this, so a foot on a base corner is accepted despite rounding.

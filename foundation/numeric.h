@@ -4,6 +4,11 @@
 #include <climits>
 #include <cmath>
 
+/// The unit roundoff of double, 2^-53: the largest relative error of one rounded operation. The
+/// error bounds of the exact predicates' filter and of the area's reordered sum are multiples
+/// of it.
+constexpr double xcUnitRoundoff = 0x1.0p-53;
+
 /// True when |a - b| <= eps. The tolerance is absolute; there is deliberately no default.
 /// A NaN on either side compares unequal, and so do two equal infinities (their difference is
 /// NaN).

@@ -6,6 +6,7 @@
 #include <cfloat>
 #include <cmath>
 
+#include <foundation/numeric.h>
 #include <foundation/vector.h>
 
 namespace xn_predicates {
@@ -13,8 +14,7 @@ namespace xn_predicates {
 // Error bound of the floating-point orientation filter: |computed - exact| <= kFilterBound *
 // (|left product| + |right product|) when no operation over- or underflows, (3 + 16 eps) eps with
 // eps = 2^-53 the unit roundoff.
-constexpr double kUnitRoundoff = 0x1.0p-53;
-constexpr double kFilterBound = (3.0 + 16.0 * kUnitRoundoff) * kUnitRoundoff;
+constexpr double kFilterBound = (3.0 + 16.0 * xcUnitRoundoff) * xcUnitRoundoff;
 // Below this magnitude of the filter's products an underflowed product could hide the sign, so
 // the exact path decides. Far above the subnormal range, far below any realistic determinant.
 constexpr double kFilterUnderflowGuard = 0x1.0p-900;

@@ -11,6 +11,13 @@ struct xcRegionTestAccess {
     static long insideCount(const xcRegion& region, const xcVector<2>& point, bool bothWays) {
         return region.insideCount(point, bothWays);
     }
+    static std::size_t hitCount(const xcRegion& region, const xcLineSeg& seg, bool touches) {
+        return region.hitCount(seg, touches);
+    }
+    static bool firstHit(const xcRegion& region, const xcLineSeg& seg, xcVector<2>& point,
+                         int& edge) {
+        return region.firstHitAlong(seg, point, edge);
+    }
     static void outerHullRegularize(const xcRegion& region, xcRegion& result, bool full) {
         region.outerHullRegularize(result, full);
     }

@@ -101,14 +101,15 @@ Box boundsOf(const std::vector<const xcRecordingTablet::Segment*>& segments) {
             first = false;
         }
     if (maxX - minX == 0.0 && maxY - minY == 0.0)
-        return Box{minX - 0.5, minY - 0.5, 1.0, 1.0};
+        return Box{minX - xcSvgTablet::kUnitSide / 2.0, minY - xcSvgTablet::kUnitSide / 2.0,
+                   xcSvgTablet::kUnitSide, xcSvgTablet::kUnitSide};
     return Box{minX, minY, maxX - minX, maxY - minY};
 }
 
 // The view box in the document's coordinates: the bounds grown by the margin, flipped in y
 // when y points up (the group's scale(1,-1) maps y to -y).
 Box viewBoxOf(const Box& b, bool yDown) {
-    const double margin = std::max(b.w, b.h) * kMarginFraction;
+    const double margin = std::max(b.w, b.h) * xcSvgTablet::kMarginFraction;
     const double top = yDown ? b.y : -(b.y + b.h);
     return Box{b.x - margin, top - margin, b.w + 2.0 * margin, b.h + 2.0 * margin};
 }

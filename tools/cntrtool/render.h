@@ -37,8 +37,6 @@ constexpr int kMinWidth = 16;
 constexpr int kMaxWidth = 100000;
 /// The width of every line on screen, in pixels, whatever the drawing's extent.
 constexpr double kStrokePixels = 1.5;
-/// The margin around the drawing, as a fraction of the larger side of its bounding box.
-constexpr double kMarginFraction = 0.05;
 
 /// How the picture maps the drawing onto the screen.
 struct PictureOptions {
@@ -57,8 +55,8 @@ struct SvgPicture {
 
 /// The segments as an SVG document: width and height in pixels, a white background, one <line>
 /// per segment with its colour as stroke="#rrggbb" and its layer mask as data-layers. The view
-/// box is the bounding box of the end points grown by kMarginFraction of its larger side on each
-/// side (a drawing without extent: the unit square about its point, or about the origin when
+/// box is the bounding box of the end points grown by the SVG tablet's margin fraction of its
+/// larger side on each side (a drawing without extent: the tablet's unit square about its point, or about the origin when
 /// empty); the stroke width, in drawing units, is kStrokePixels at the picture's scale, so that
 /// lines are as wide on screen whatever the extent. Coordinates are written unchanged, in the
 /// shortest form that reads back exactly; y up flips them with scale(1,-1) on their group.
