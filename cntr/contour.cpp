@@ -118,16 +118,15 @@ void ContourCaches::reset() {
     length.reset(0.0);
     convexHull.valid = false;
     rectMemo.reset();
-    encloseCircleValid.assign(2, false);
-    encloseCircles.resize(2, xcCircle());
+    for (Cached<xcCircle>& circle : encloseCircle)
+        circle.valid = false;
     extremalVertexMemo.reset();
     fittedEllipse.valid = false;
-    fitResidual = 0.0;
+    fittedEllipse.value.residual = 0.0;
     selfIntersecting.valid = false;
     edges.valid = false;
     medianFeatureSize.reset(0.0);
     vertexGrids.reset();
-    edgeIndexTried = false;
     edgeIndex.reset();
 }
 
@@ -136,28 +135,3 @@ void xcContour::cleanCacheInfo() {
     caches_.reset();
 }
 
-xcContour::CacheState xcContour::cacheState() const {
-    const ContourCaches& c = caches_;
-    CacheState s;
-    s.meanPositionValid = c.meanPosition.valid;
-    s.lengthValid = c.length.valid;
-    s.length = c.length.value;
-    s.convexHullValid = c.convexHull.valid;
-    s.convexHull = c.convexHull.value.rep();
-    s.rectMemo = c.rectMemo.get();
-    s.encloseCircleValid = c.encloseCircleValid;
-    s.encloseCircleCount = c.encloseCircles.size();
-    s.extremalVertexMemo = c.extremalVertexMemo.get();
-    s.fitEllipseValid = c.fittedEllipse.valid;
-    s.fitResidual = c.fitResidual;
-    s.selfIntersectingValid = c.selfIntersecting.valid;
-    s.lineSegsValid = c.edges.valid;
-    s.linesValid = c.edges.valid;
-    s.rectsValid = c.edges.valid;
-    s.edgeVectorSize = c.edges.value.segs.size();
-    s.medianFeatureSizeValid = c.medianFeatureSize.valid;
-    s.medianFeatureSize = c.medianFeatureSize.value;
-    s.vertexGrids = c.vertexGrids.get();
-    s.edgeIndex = c.edgeIndex.get();
-    return s;
-}

@@ -39,6 +39,12 @@ CNTR_API void drop<xcRegion>(const xcRegion* p);
 
 namespace xn_contourDetail {
 
+/// The ellipse fitted to a contour's vertices and the fit's residual.
+struct EllipseFit {
+    xcEllipse ellipse;
+    double residual = 0.0;
+};
+
 /// Every cached result of a contour. Copies carry them all (the memos deep-copied, the hull
 /// region and the immutable edge index shared); reset() is the contour's cleanCacheInfo().
 struct ContourCaches {
@@ -46,25 +52,23 @@ struct ContourCaches {
     Cached<double> length;
     Cached<xcPtrHandle_const<xcRegion>> convexHull;
     OwnedCache<RectMemo> rectMemo;
-    /// One flag and one circle per DiameterMode.
-    std::vector<bool> encloseCircleValid = std::vector<bool>(2, false);
-    std::vector<xcCircle> encloseCircles = std::vector<xcCircle>(2);
+    /// One slot per DiameterMode.
+    Cached<xcCircle> encloseCircle[2];
     OwnedCache<ExtremalVertexMemo> extremalVertexMemo;
-    Cached<xcEllipse> fittedEllipse;
-    double fitResidual = 0.0;
+    Cached<EllipseFit> fittedEllipse;
     Cached<bool> selfIntersecting;
     /// The edge cache: segments, lines, rectangles and validity flags, built together.
     Cached<EdgeTable> edges;
     Cached<double> medianFeatureSize;
     OwnedCache<VertexGridCache> vertexGrids;
-    /// The edge index (under 12 bytes per edge) and whether building it was tried.
-    bool edgeIndexTried = false;
-    std::shared_ptr<const cntr::core::EdgeIndex> edgeIndex;
+    /// The edge index (under 12 bytes per edge), valid once building it was tried (it stays
+    /// null for contours that do not get one).
+    Cached<std::shared_ptr<const cntr::core::EdgeIndex>> edgeIndex;
 
     /// Drops every cached result: the memos, the vertex grids and the edge index are deleted;
     /// every flag is cleared; the length, the median and the fit residual are set to 0; the
-    /// circle vectors keep 2 entries (the circles stay); the mean position, the hull handle, the
-    /// fitted ellipse, the self-intersection value and the edge vectors stay until replaced.
+    /// mean position, the hull handle, the circles, the fitted ellipse, the self-intersection
+    /// value and the edge vectors stay until replaced.
     void reset();
 };
 
@@ -314,31 +318,8 @@ protected:
     /// after every number. Cached. Throws EmptyContour.
     double medianFeatureSize() const;
 
-    /// A read-only view of the caches, for derived classes that extend them and for tests.
-    struct CacheState {
-        bool meanPositionValid;
-        bool lengthValid;
-        double length;
-        bool convexHullValid;
-        const xcRegion* convexHull;
-        const xn_contourDetail::RectMemo* rectMemo;
-        std::vector<bool> encloseCircleValid;
-        std::size_t encloseCircleCount;
-        const xn_contourDetail::ExtremalVertexMemo* extremalVertexMemo;
-        bool fitEllipseValid;
-        double fitResidual;
-        bool selfIntersectingValid;
-        bool lineSegsValid;
-        bool linesValid;
-        bool rectsValid;
-        std::size_t edgeVectorSize;
-        bool medianFeatureSizeValid;
-        double medianFeatureSize;
-        const xn_contourDetail::VertexGridCache* vertexGrids;
-        /// The edge index, null until a query built it (and for contours that do not get one).
-        const cntr::core::EdgeIndex* edgeIndex;
-    };
-    CacheState cacheState() const;
+    /// The caches themselves, read-only, for derived classes that extend them and for tests.
+    const xn_contourDetail::ContourCaches& cacheState() const { return caches_; }
 
 private:
     friend struct xcContourTestAccess;

@@ -4,27 +4,35 @@
 #include <cntr/contour_detail.h>
 #include <foundation/archive.h>
 
+using namespace xn_contourDetail;
+
 namespace {
 
-// The source name and places that a refused contour record reports.
-constexpr const char* kContourSource = "cntr/contour";
-constexpr long kBadContourVersionLine = 900;
-constexpr long kBadLegacyBaseVersionLine = 890;
 constexpr unsigned char kCurrentVersion = 1;
 
-// The one scratch object that every version-0 record's base part is read into.
-xn_contourDetail::LegacyBaseRecord& legacyBase() {
-    static xn_contourDetail::LegacyBaseRecord base(kContourSource, kBadLegacyBaseVersionLine);
-    return base;
-}
+// The base part of shapes in version-0 archives, kept only to read those records.
+class LegacyBaseRecord : public virtual xcPersistent, public virtual xcRepBase {
+public:
+    LegacyBaseRecord(const char* source, long line) : source_(source), line_(line) {}
+
+    void dispatchSerialize(xcArchive& ar) override {
+        dispatchPart(ar, this, 0, [&](unsigned char version) {
+            if (version != 0) throw xcArchive::UnknownVersion(source_, line_);
+            xcPersistent::dispatchSerialize(ar);
+        });
+    }
+
+private:
+    const char* source_;
+    long line_;
+};
 
 }  // namespace
 
-void xn_contourDetail::LegacyBaseRecord::dispatchSerialize(xcArchive& ar) {
-    dispatchPart(ar, this, 0, [&](unsigned char version) {
-        if (version != 0) throw xcArchive::UnknownVersion(source_, line_);
-        xcPersistent::dispatchSerialize(ar);
-    });
+void xn_contourDetail::readLegacyBase(xcArchive& ar, LegacyReader reader) {
+    static LegacyBaseRecord contourBase(kContourSource, kBadLegacyBaseVersionLine);
+    static LegacyBaseRecord regionBase(kRegionSource, kBadRegionVersionLine);
+    (reader == LegacyReader::contour ? contourBase : regionBase).dispatchSerialize(ar);
 }
 
 xcPersistent* xcContour::make() { return new xcContour(); }
@@ -59,7 +67,7 @@ void xcContour::serializeVersion1(xcArchive& ar) {
 }
 
 void xcContour::loadVersion0(xcArchive& ar) {
-    legacyBase().dispatchSerialize(ar);
+    readLegacyBase(ar, LegacyReader::contour);
     xfSerializeVector(ar, points_);
     unsigned char unused = 0;
     ar || unused || cachedVectorSize_ || closed_;

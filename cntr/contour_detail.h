@@ -27,19 +27,23 @@ using cntr::core::edgeEndVertex;
 using cntr::core::edgeStartVertex;
 using cntr::core::forEachEdge;
 
-/// The base part of shapes in version-0 archives: its own version byte (0) followed by the
-/// xcPersistent record. Kept only to read those records: each reader keeps one instance, which
-/// is visited (and so read) once per archive. A version byte other than 0 throws
-/// xcArchive::UnknownVersion(source, line).
-class LegacyBaseRecord : public virtual xcPersistent, public virtual xcRepBase {
-public:
-    LegacyBaseRecord(const char* source, long line) : source_(source), line_(line) {}
-    void dispatchSerialize(xcArchive& ar) override;
+/// Where refused contour and region records are reported: the source names and places of
+/// xcArchive::UnknownVersion.
+constexpr const char* kContourSource = "cntr/contour";
+constexpr long kBadContourVersionLine = 900;
+constexpr long kBadLegacyBaseVersionLine = 890;
+constexpr const char* kRegionSource = "cntr/region";
+constexpr long kBadRegionVersionLine = 822;
 
-private:
-    const char* source_;
-    long line_;
-};
+/// The readers of version-0 records, each with a legacy base object of its own.
+enum class LegacyReader { contour, region };
+
+/// Reads the base part of a version-0 record, its own version byte (0) followed by the
+/// xcPersistent record, into the legacy base object of `reader`. Each reader's object is visited
+/// (and so read) once per archive. A version byte other than 0 throws
+/// xcArchive::UnknownVersion: ("cntr/contour", 890) for the contour, ("cntr/region", 822) for
+/// the region.
+void readLegacyBase(xcArchive& ar, LegacyReader reader);
 
 /// Stores `value` under `key` (absent from the memo, which exists) in an argument-keyed memo
 /// bounded by `limit`: while the memo holds no more than `limit` entries the entry is added (so

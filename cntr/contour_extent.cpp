@@ -12,20 +12,12 @@ using namespace cntr::core;
 double xcContour::length() const {
     if (points_.empty())
         return 0.0;
-    if (caches_.length.valid)
-        return caches_.length.value;
-    caches_.length.value = outlineLength(OutlineView(points_, isClosed()));
-    caches_.length.valid = true;
-    return caches_.length.value;
+    return caches_.length.get([&] { return outlineLength(OutlineView(points_, isClosed())); });
 }
 
 xcVector<2> xcContour::meanPosition() {
     checkEmptyContour();
-    if (caches_.meanPosition.valid)
-        return caches_.meanPosition.value;
-    caches_.meanPosition.value = wireCentre(OutlineView(points_, isClosed()));
-    caches_.meanPosition.valid = true;
-    return caches_.meanPosition.value;
+    return caches_.meanPosition.get([&] { return wireCentre(OutlineView(points_, isClosed())); });
 }
 
 long xcContour::extremalVertexIndex(const xcRadian& angle) const {

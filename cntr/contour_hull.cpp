@@ -21,14 +21,11 @@ void xcContour::convexHull(xcRegion& hull) const {
 
 void xcContour::fitEllipse(xcEllipse& ellipse, double& rms) const {
     checkEmptyContour();
-    if (!caches_.fittedEllipse.valid) {
-        xcEllipse fitted;
-        double residual = 0.0;
-        xf_FitEllipse(points_, fitted, residual);
-        caches_.fittedEllipse.value = fitted;
-        caches_.fitResidual = residual;
-        caches_.fittedEllipse.valid = true;
-    }
-    ellipse = caches_.fittedEllipse.value;
-    rms = caches_.fitResidual;
+    const xn_contourDetail::EllipseFit& fit = caches_.fittedEllipse.get([&] {
+        xn_contourDetail::EllipseFit computed;
+        xf_FitEllipse(points_, computed.ellipse, computed.residual);
+        return computed;
+    });
+    ellipse = fit.ellipse;
+    rms = fit.residual;
 }

@@ -39,11 +39,8 @@ std::vector<xcVector<2>> xcContour::intersections(const xcLineSeg& seg, bool inc
 }
 
 const EdgeIndex* xcContour::edgeIndex() const {
-    if (!caches_.edgeIndexTried) {
-        caches_.edgeIndex = EdgeIndex::build(OutlineView(points_, isClosed()));
-        caches_.edgeIndexTried = true;
-    }
-    return caches_.edgeIndex.get();
+    return caches_.edgeIndex.get([&] { return EdgeIndex::build(OutlineView(points_, isClosed())); })
+        .get();
 }
 
 // The index where it serves the query (both ends within its coordinate limit), else null.
@@ -142,10 +139,8 @@ bool xcContour::isSelfIntersecting() const {
 
 double xcContour::medianFeatureSize() const {
     checkEmptyContour();
-    if (caches_.medianFeatureSize.valid)
-        return caches_.medianFeatureSize.value;
-    computeLineSegs();
-    caches_.medianFeatureSize.value = medianEdgeLength(caches_.edges.value);  // at least one edge: 2 vertices or more
-    caches_.medianFeatureSize.valid = true;
-    return caches_.medianFeatureSize.value;
+    return caches_.medianFeatureSize.get([&] {
+        computeLineSegs();
+        return medianEdgeLength(caches_.edges.value);  // at least one edge: 2 vertices or more
+    });
 }

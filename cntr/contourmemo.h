@@ -7,6 +7,7 @@
 
 #include <foundation/angle.h>
 #include <foundation/geometry.h>
+#include <foundation/handle.h>
 #include <foundation/matrix.h>
 #include <foundation/vector.h>
 
@@ -25,6 +26,14 @@ struct Cached {
     const T& set(const T& v) {
         value = v;
         valid = true;
+        return value;
+    }
+    /// The value, first computed by compute() and stored when the cache is not valid. An
+    /// exception from compute() leaves the cache as it was.
+    template <class Compute>
+    const T& get(Compute compute) {
+        if (!valid)
+            set(compute());
         return value;
     }
     /// Clears the flag and sets the value a reset leaves.
@@ -129,6 +138,31 @@ struct EdgeTable {
     std::vector<xcLine> lines;
     std::vector<xcRect> rects;
     std::vector<bool> valid;
+};
+
+/// The cached measures that a region and a region set share: area, centre of mass and inertia,
+/// each with one slot per considerHoles flag (index 0: the outlines alone, index 1: with the
+/// holes subtracted), and the regularised and outer-hull shapes. Copies carry every slot, the
+/// two shapes shared through their handles.
+template <class Shape>
+struct MeasureCaches {
+    Cached<xcVector<2>> center[2];
+    Cached<double> area[2];
+    Cached<xcMatrix<2>> inertia[2];
+    Cached<xcPtrHandle<Shape>> regularized;
+    Cached<xcPtrHandle<Shape>> outerHull;
+
+    /// Clears every flag and sets both areas to 0; the other values and the two shapes stay
+    /// until replaced.
+    void reset() {
+        for (int holes = 0; holes < 2; ++holes) {
+            center[holes].valid = false;
+            area[holes].reset(0.0);
+            inertia[holes].valid = false;
+        }
+        regularized.valid = false;
+        outerHull.valid = false;
+    }
 };
 
 }  // namespace xn_contourDetail

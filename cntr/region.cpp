@@ -160,38 +160,9 @@ void xcRegion::checkEmptyContour() const {
         throw xcContourDefs::EmptyContour(std::wstring());
 }
 
-void RegionCaches::reset() {
-    centerOfMassWithHoles.valid = false;
-    centerOfMass.valid = false;
-    areaWithHoles.reset(0.0);
-    area.reset(0.0);
-    inertiaWithHoles.valid = false;
-    inertia.valid = false;
-    regularized.valid = false;
-    outerHull.valid = false;
-}
 
 void xcRegion::cleanCacheInfo() {
     xcContour::cleanCacheInfo();
     caches_.reset();
 }
 
-xcRegion::RegionCacheState xcRegion::regionCacheState() const {
-    const RegionCaches& c = caches_;
-    RegionCacheState s;
-    s.centerOfMassWithHolesValid = c.centerOfMassWithHoles.valid;
-    s.centerOfMassWithHoles = c.centerOfMassWithHoles.value;
-    s.centerOfMassValid = c.centerOfMass.valid;
-    s.centerOfMass = c.centerOfMass.value;
-    s.areaWithHolesValid = c.areaWithHoles.valid;
-    s.areaWithHoles = c.areaWithHoles.value;
-    s.areaValid = c.area.valid;
-    s.area = c.area.value;
-    s.inertiaWithHolesValid = c.inertiaWithHoles.valid;
-    s.inertiaValid = c.inertia.valid;
-    s.regularizedValid = c.regularized.valid;
-    s.regularized = c.regularized.value.rep();
-    s.outerHullValid = c.outerHull.valid;
-    s.outerHull = c.outerHull.value.rep();
-    return s;
-}

@@ -20,25 +20,13 @@ class xcRegion;
 
 namespace xn_regionDetail {
 
-/// Every cached result of a region beyond its contour's. Copies carry them all (the regularised
-/// and outer-hull regions shared); reset() is the region's part of cleanCacheInfo().
-struct RegionCaches {
-    /// Set only by copy or assignment: centerOfMass(true) sets the flag but never writes this
-    /// value, which is the defined behaviour (see xcRegion::centerOfMass).
-    xn_contourDetail::Cached<xcVector<2>> centerOfMassWithHoles;
-    xn_contourDetail::Cached<xcVector<2>> centerOfMass;
-    xn_contourDetail::Cached<double> areaWithHoles;
-    xn_contourDetail::Cached<double> area;
-    /// Reserved: the inertia with holes is refused, so this is never filled.
-    xn_contourDetail::Cached<xcMatrix<2>> inertiaWithHoles;
-    xn_contourDetail::Cached<xcMatrix<2>> inertia;
-    xn_contourDetail::Cached<xcPtrHandle<xcRegion>> regularized;
-    xn_contourDetail::Cached<xcPtrHandle<xcRegion>> outerHull;
-
-    /// Clears every flag and sets both areas to 0; the other values and the two region handles
-    /// stay until replaced.
-    void reset();
-};
+/// Every cached result of a region beyond its contour's: area, centre of mass and inertia per
+/// considerHoles flag, and the regularised and outer-hull regions. Copies carry them all (the
+/// two regions shared); reset() is the region's part of cleanCacheInfo(). Two slots keep a
+/// defined behaviour: the centre with holes (center[1]) is set only by copy or assignment,
+/// centerOfMass(true) setting its flag without writing the value (see xcRegion::centerOfMass);
+/// the inertia with holes (inertia[1]) is never filled, that inertia being refused.
+using RegionCaches = xn_contourDetail::MeasureCaches<xcRegion>;
 
 }  // namespace xn_regionDetail
 
@@ -247,24 +235,8 @@ class CNTR_API xcRegion : public virtual xcContour {
     /// records is therefore not safe from two threads at once.
     void serialize_(xcArchive& ar, unsigned char version) override;
 
-    /// A read-only view of the region's caches, for derived classes and tests.
-    struct RegionCacheState {
-        bool centerOfMassWithHolesValid;
-        xcVector<2> centerOfMassWithHoles;
-        bool centerOfMassValid;
-        xcVector<2> centerOfMass;
-        bool areaWithHolesValid;
-        double areaWithHoles;
-        bool areaValid;
-        double area;
-        bool inertiaWithHolesValid;
-        bool inertiaValid;
-        bool regularizedValid;
-        const xcRegion* regularized;
-        bool outerHullValid;
-        const xcRegion* outerHull;
-    };
-    RegionCacheState regionCacheState() const;
+    /// The region's own caches, read-only, for derived classes and tests.
+    const xn_regionDetail::RegionCaches& regionCacheState() const { return caches_; }
 
   private:
     friend class xcRegionSet;

@@ -4,18 +4,11 @@
 #include <cntr/contour_detail.h>
 #include <foundation/archive.h>
 
+using namespace xn_contourDetail;
+
 namespace {
 
-// The source name and place that a refused region record reports.
-constexpr const char* kRegionSource = "cntr/region";
-constexpr long kBadRegionVersionLine = 822;
 constexpr unsigned char kCurrentVersion = 1;
-
-// The one scratch object that every version-0 record's base part is read into.
-xn_contourDetail::LegacyBaseRecord& legacyBase() {
-    static xn_contourDetail::LegacyBaseRecord base(kRegionSource, kBadRegionVersionLine);
-    return base;
-}
 
 }  // namespace
 
@@ -53,7 +46,7 @@ void xcRegion::serialize_(xcArchive& ar, unsigned char version) {
 // and dropped) and the memo limit (signed 32-bit), as the legacy contour record orders them.
 // Afterwards the contour's closed flag and label are 0; no holes are stored.
 void xcRegion::loadVersion0(xcArchive& ar) {
-    legacyBase().dispatchSerialize(ar);
+    readLegacyBase(ar, LegacyReader::region);
     std::vector<xcVector<2>> outline;
     xfSerializeVector(ar, outline);
     unsigned char unused = 0;

@@ -7,36 +7,24 @@ using namespace xn_regionDetail;
 
 double xcRegion::area(bool considerHoles) const {
     checkEmptyContour();
-    if (!considerHoles) {
-        if (!caches_.area.valid) {
-            caches_.area.value = xf_Area(points());
-            caches_.area.valid = true;
-        }
-        return caches_.area.value;
-    }
-    if (!caches_.areaWithHoles.valid) {
+    if (!considerHoles)
+        return caches_.area[0].get([&] { return xf_Area(points()); });
+    return caches_.area[1].get([&] {
         double a = area(false);
         for (const xcPtrHandle_const<xcRegion>& hole : holes_)
             a -= hole->area(false);
-        caches_.areaWithHoles.value = a;
-        caches_.areaWithHoles.valid = true;
-    }
-    return caches_.areaWithHoles.value;
+        return a;
+    });
 }
 
 xcVector<2> xcRegion::centerOfMass(bool considerHoles) {
     checkEmptyContour();
-    if (!considerHoles || holes_.empty()) {
-        if (!caches_.centerOfMass.valid) {
-            caches_.centerOfMass.value = xf_CenterOfMass(points());
-            caches_.centerOfMass.valid = true;
-        }
-        return caches_.centerOfMass.value;
-    }
+    if (!considerHoles || holes_.empty())
+        return caches_.center[0].get([&] { return xf_CenterOfMass(points()); });
     // The with-holes slot is returned once the flag is set, but the centroid computed below is
     // never written into it: that is the defined behaviour of this cache.
-    if (caches_.centerOfMassWithHoles.valid)
-        return caches_.centerOfMassWithHoles.value;
+    if (caches_.center[1].valid)
+        return caches_.center[1].value;
     double a = area(false);
     xcVector<2> s = a * centerOfMass(false);
     for (const xcPtrHandle_const<xcRegion>& hole : holes_) {
@@ -44,7 +32,7 @@ xcVector<2> xcRegion::centerOfMass(bool considerHoles) {
         s = s - holeArea * cacheFilling(*hole).centerOfMass(false);
         a = a - holeArea;
     }
-    caches_.centerOfMassWithHoles.valid = true;
+    caches_.center[1].valid = true;
     return s / a;
 }
 
@@ -52,9 +40,5 @@ xcMatrix<2> xcRegion::inertiaMatrix(bool considerHoles) {
     checkEmptyContour();
     if (considerHoles && !holes_.empty())
         throw xcContourDefs::BadParams(L"inertiaMatrix(considerHoles) is not implemented");
-    if (!caches_.inertia.valid) {
-        caches_.inertia.value = xf_InertiaDataPolygon(points()).inertiaMatrix();
-        caches_.inertia.valid = true;
-    }
-    return caches_.inertia.value;
+    return caches_.inertia[0].get([&] { return xf_InertiaDataPolygon(points()).inertiaMatrix(); });
 }

@@ -122,41 +122,8 @@ void xcRegionSet::makePointsConsistentWithData() {
     cleanCacheInfo();
 }
 
-void xn_regionSetDetail::RegionSetCaches::reset() {
-    centerWithHoles.valid = false;
-    centerOfOutlines.valid = false;
-    areaWithHoles.reset(0.0);
-    areaOfOutlines.reset(0.0);
-    rectCache.reset();
-    inertiaWithHoles.valid = false;
-    inertiaOfOutlines.valid = false;
-    selfIntersecting.valid = false;
-    regularized.valid = false;
-    outerHull.valid = false;
-}
-
 void xcRegionSet::cleanCacheInfo() {
     mutating();
     caches_.reset();
 }
 
-xcRegionSet::CacheState xcRegionSet::cacheState() const {
-    const xn_regionSetDetail::RegionSetCaches& c = caches_;
-    CacheState s;
-    s.centerValid[0] = c.centerOfOutlines.valid;
-    s.centerValid[1] = c.centerWithHoles.valid;
-    s.areaValid[0] = c.areaOfOutlines.valid;
-    s.areaValid[1] = c.areaWithHoles.valid;
-    s.area[0] = c.areaOfOutlines.value;
-    s.area[1] = c.areaWithHoles.value;
-    s.inertiaValid[0] = c.inertiaOfOutlines.valid;
-    s.inertiaValid[1] = c.inertiaWithHoles.valid;
-    s.rectCache = c.rectCache.get();
-    s.selfIntersecting = c.selfIntersecting.value;
-    s.selfIntersectingValid = c.selfIntersecting.valid;
-    s.regularizedValid = c.regularized.valid;
-    s.regularized = c.regularized.value.rep();
-    s.outerHullValid = c.outerHull.valid;
-    s.outerHull = c.outerHull.value.rep();
-    return s;
-}

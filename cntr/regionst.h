@@ -23,24 +23,21 @@ class xcRegionSet;
 
 namespace xn_regionSetDetail {
 
-/// Every cached result of a region set, the measures per considerHoles flag. Copies carry them
-/// all (the rectangle memo deep-copied, the regularised and outer-hull sets shared); reset() is
-/// the set's cleanCacheInfo().
-struct RegionSetCaches {
-    xn_contourDetail::Cached<xcVector<2>> centerWithHoles;
-    xn_contourDetail::Cached<xcVector<2>> centerOfOutlines;
-    xn_contourDetail::Cached<double> areaWithHoles;
-    xn_contourDetail::Cached<double> areaOfOutlines;
+/// Every cached result of a region set: the measures a region has too (per considerHoles flag,
+/// and the regularised and outer-hull sets), the enclosing rectangles by transform and the
+/// self-intersection answer. Copies carry them all (the rectangle memo deep-copied, the two
+/// sets shared); reset() is the set's cleanCacheInfo().
+struct RegionSetCaches : xn_contourDetail::MeasureCaches<xcRegionSet> {
     xn_contourDetail::OwnedCache<xn_contourDetail::RectMemo> rectCache;
-    xn_contourDetail::Cached<xcMatrix<2>> inertiaWithHoles;
-    xn_contourDetail::Cached<xcMatrix<2>> inertiaOfOutlines;
     xn_contourDetail::Cached<bool> selfIntersecting;
-    xn_contourDetail::Cached<xcPtrHandle<xcRegionSet>> regularized;
-    xn_contourDetail::Cached<xcPtrHandle<xcRegionSet>> outerHull;
 
     /// Deletes the rectangle memo and clears every flag, setting both areas to 0; the other
-    /// values and the two set handles stay until replaced.
-    void reset();
+    /// values and the two sets stay until replaced.
+    void reset() {
+        MeasureCaches::reset();
+        rectCache.reset();
+        selfIntersecting.valid = false;
+    }
 };
 
 }  // namespace xn_regionSetDetail
@@ -215,21 +212,8 @@ class CNTR_API xcRegionSet : public virtual xcPersistent, public virtual xcRepBa
     /// and of the regularised and outer-hull sets (their handles are kept until replaced).
     virtual void cleanCacheInfo();
 
-    /// A read-only view of the caches, for derived classes and tests.
-    struct CacheState {
-        bool centerValid[2];  ///< indexed by considerHoles
-        bool areaValid[2];
-        double area[2];
-        bool inertiaValid[2];
-        const xn_contourDetail::RectMemo* rectCache;
-        bool selfIntersecting;
-        bool selfIntersectingValid;
-        bool regularizedValid;
-        const xcRegionSet* regularized;
-        bool outerHullValid;
-        const xcRegionSet* outerHull;
-    };
-    CacheState cacheState() const;
+    /// The caches themselves, read-only, for derived classes and tests.
+    const xn_regionSetDetail::RegionSetCaches& cacheState() const { return caches_; }
 
   private:
     static xcPersistent* make();
@@ -238,9 +222,6 @@ class CNTR_API xcRegionSet : public virtual xcPersistent, public virtual xcRepBa
     void applyMode(xcContourDefs::IntersectionMode mode);
     bool anyOutlineCrossesItself() const;
     bool anyOutlinesCross() const;
-    xn_contourDetail::Cached<double>& areaSlot(bool considerHoles) const;
-    xn_contourDetail::Cached<xcVector<2>>& centerSlot(bool considerHoles);
-    xn_contourDetail::Cached<xcMatrix<2>>& inertiaSlot(bool considerHoles);
     void replaceRegions(const RegionHandles& r, xcContourDefs::IntersectionMode mode);
     void cachedMerge(xcRegionSet& out, bool outerHullOnly, bool& valid,
                      xcPtrHandle<xcRegionSet>& cache) const;

@@ -15,20 +15,8 @@
 using namespace xn_regionDetail;
 using namespace xn_regionSetDetail;
 
-xn_contourDetail::Cached<double>& xcRegionSet::areaSlot(bool considerHoles) const {
-    return considerHoles ? caches_.areaWithHoles : caches_.areaOfOutlines;
-}
-
-xn_contourDetail::Cached<xcVector<2>>& xcRegionSet::centerSlot(bool considerHoles) {
-    return considerHoles ? caches_.centerWithHoles : caches_.centerOfOutlines;
-}
-
-xn_contourDetail::Cached<xcMatrix<2>>& xcRegionSet::inertiaSlot(bool considerHoles) {
-    return considerHoles ? caches_.inertiaWithHoles : caches_.inertiaOfOutlines;
-}
-
 double xcRegionSet::area(bool considerHoles) const {
-    xn_contourDetail::Cached<double>& slot = areaSlot(considerHoles);
+    xn_contourDetail::Cached<double>& slot = caches_.area[considerHoles];
     if (slot.valid)
         return slot.value;
     double sum = 0.0;
@@ -43,7 +31,7 @@ double xcRegionSet::area(bool considerHoles) const {
 
 xcVector<2> xcRegionSet::centerOfMass(bool considerHoles) {
     checkEmptyRegionSet();
-    xn_contourDetail::Cached<xcVector<2>>& slot = centerSlot(considerHoles);
+    xn_contourDetail::Cached<xcVector<2>>& slot = caches_.center[considerHoles];
     if (slot.valid)
         return slot.value;
     xcVector<2> weighted;
@@ -63,7 +51,7 @@ xcVector<2> xcRegionSet::centerOfMass(bool considerHoles) {
 
 xcMatrix<2> xcRegionSet::inertiaMatrix(bool considerHoles) {
     checkEmptyRegionSet();
-    xn_contourDetail::Cached<xcMatrix<2>>& slot = inertiaSlot(considerHoles);
+    xn_contourDetail::Cached<xcMatrix<2>>& slot = caches_.inertia[considerHoles];
     if (slot.valid)
         return slot.value;
     xc_InertiaData total(0.0, xcVector<2>(), xcMatrix<2>());

@@ -38,7 +38,6 @@ xcContourT<T>::xcContourT(const xcContourT& other)
       xcContour(other),
       xform_(other.xform_),
       data_(other.data_),
-      inverseValid_(other.inverseValid_),
       inverse_(other.inverse_) {}
 
 template <class T>
@@ -57,7 +56,6 @@ template <class T>
 void xcContourT<T>::assignEdgeletPart(const xcContourT& other) {
     xform_ = other.xform_;
     data_ = other.data_;
-    inverseValid_ = other.inverseValid_;
     inverse_ = other.inverse_;
 }
 
@@ -83,11 +81,8 @@ xcVector<2> xcContourT<T>::point(const T& e) const {
 
 template <class T>
 const xcPtrHandle<xc2XformBase>& xcContourT<T>::pointsFromDataXform() const {
-    if (!inverseValid_) {
-        inverse_ = xform_ ? xform_->inverseBase() : xcPtrHandle<xc2XformBase>();
-        inverseValid_ = true;
-    }
-    return inverse_;
+    return inverse_.get(
+        [&] { return xform_ ? xform_->inverseBase() : xcPtrHandle<xc2XformBase>(); });
 }
 
 template <class T>
@@ -124,19 +119,7 @@ void xcContourT<T>::makePointsConsistentWithData() {
     setPoints(rebuilt);
 }
 
-template <class T>
-xcPersistent* xcContourT<T>::make() {
-    return new xcContourT<T>();
-}
-
-template <class T>
-xc_Instantiator xcContourT<T>::sExemplar(typeid(xcContourT<T>), &xcContourT<T>::make);
-
-template <class T>
-void xcContourT<T>::dispatchSerialize(xcArchive& ar) {
-    dispatchPart(ar, this, kCurrentVersion,
-                 [&](unsigned char version) { xcContourT::serialize_(ar, version); });
-}
+XN_CNTRTMPL_DEFINE_PERSISTENCE(xcContourT)
 
 template <class T>
 void xcContourT<T>::serialize_(xcArchive& ar, unsigned char version) {
@@ -146,8 +129,7 @@ void xcContourT<T>::serialize_(xcArchive& ar, unsigned char version) {
     if (version >= 1)
         ar || xform_;
     if (ar.isLoading()) {
-        inverseValid_ = false;
-        inverse_ = xcPtrHandle<xc2XformBase>();
+        inverse_.reset();
     }
 }
 

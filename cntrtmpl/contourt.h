@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <cntr/contour.h>
+#include <cntr/contourmemo.h>
 #include <cntr/export.h>
 #include <foundation/geometry.h>
 #include <foundation/handle.h>
@@ -121,8 +122,7 @@ class xcContourT : public virtual xcContour {
 
     xcPtrHandle_const<xc2XformBase> xform_;
     std::vector<T> data_;
-    mutable bool inverseValid_ = false;
-    mutable xcPtrHandle<xc2XformBase> inverse_;
+    mutable xn_contourDetail::Cached<xcPtrHandle<xc2XformBase>> inverse_;
 };
 
 // The instantiation lives in the cntr library. The export mark sits here, not on the template:

@@ -87,19 +87,7 @@ void xcRegionSetT<T>::cleanCacheInfo() {
     xcRegionSet::cleanCacheInfo();
 }
 
-template <class T>
-xcPersistent* xcRegionSetT<T>::make() {
-    return new xcRegionSetT<T>();
-}
-
-template <class T>
-xc_Instantiator xcRegionSetT<T>::sExemplar(typeid(xcRegionSetT<T>), &xcRegionSetT<T>::make);
-
-template <class T>
-void xcRegionSetT<T>::dispatchSerialize(xcArchive& ar) {
-    dispatchPart(ar, this, kCurrentVersion,
-                 [&](unsigned char version) { xcRegionSetT::serialize_(ar, version); });
-}
+XN_CNTRTMPL_DEFINE_PERSISTENCE(xcRegionSetT)
 
 template <class T>
 void xcRegionSetT<T>::serialize_(xcArchive& ar, unsigned char version) {

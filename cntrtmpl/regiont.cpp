@@ -124,19 +124,7 @@ void xcRegionT<T>::cleanCacheInfo() {
     xcRegion::cleanCacheInfo();
 }
 
-template <class T>
-xcPersistent* xcRegionT<T>::make() {
-    return new xcRegionT<T>();
-}
-
-template <class T>
-xc_Instantiator xcRegionT<T>::sExemplar(typeid(xcRegionT<T>), &xcRegionT<T>::make);
-
-template <class T>
-void xcRegionT<T>::dispatchSerialize(xcArchive& ar) {
-    dispatchPart(ar, this, kCurrentVersion,
-                 [&](unsigned char version) { xcRegionT::serialize_(ar, version); });
-}
+XN_CNTRTMPL_DEFINE_PERSISTENCE(xcRegionT)
 
 template <class T>
 void xcRegionT<T>::serialize_(xcArchive& ar, unsigned char version) {

@@ -26,7 +26,7 @@ struct xcContourTestAccess {
     static const cntr::core::EdgeIndex* edgeIndex(const xcContour& c) { return c.edgeIndex(); }
     /// The edge index as the caches hold it, null unless a query built it.
     static const cntr::core::EdgeIndex* builtIndex(const xcContour& c) {
-        return c.caches_.edgeIndex.get();
+        return c.caches_.edgeIndex.value.get();
     }
 };
 

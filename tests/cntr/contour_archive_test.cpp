@@ -99,11 +99,11 @@ TEST(ContourArchive, LoadingIntoFilledContourDropsItsCaches) {
     EXPECT_EQ(target, source);
     EXPECT_EQ(target.label(), 8u);
     EXPECT_GE(target.cleanCalls, 1);
-    const ContourProbe::CacheState s = target.cacheState();
-    EXPECT_FALSE(s.lengthValid);
-    EXPECT_EQ(s.rectMemo, nullptr);
-    EXPECT_FALSE(s.selfIntersectingValid);
-    EXPECT_FALSE(s.lineSegsValid);
+    const ContourProbe::CacheState& s = target.cacheState();
+    EXPECT_FALSE(s.length.valid);
+    EXPECT_EQ(s.rectMemo.get(), nullptr);
+    EXPECT_FALSE(s.selfIntersecting.valid);
+    EXPECT_FALSE(s.edges.valid);
     EXPECT_EQ(target.length(), 7.0);  // 4 + 3, open
 }
 
@@ -113,8 +113,8 @@ TEST(ContourArchive, ReloadedContourHasEmptyCaches) {
     const xcPtrHandle<xcContour> back = loadHandle(storeHandles({h}));
     const auto* probe = dynamic_cast<const StoredProbe*>(back.rep());
     ASSERT_NE(probe, nullptr);
-    EXPECT_FALSE(probe->cacheState().lengthValid);
-    EXPECT_EQ(probe->cacheState().rectMemo, nullptr);
+    EXPECT_FALSE(probe->cacheState().length.valid);
+    EXPECT_EQ(probe->cacheState().rectMemo.get(), nullptr);
 }
 
 TEST(ContourArchive, ContourReachedTwiceIsWrittenOnceAndLoadsAsOne) {

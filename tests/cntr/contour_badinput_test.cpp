@@ -118,7 +118,7 @@ TEST(ContourBadInput, NaNTransformKeyIsOneMemoEntry) {
     const xcXform<2> x(xcMatrix<2>(kNaN, 0, 0, 1), xcVector<2>());
     c.encloseRect(x);
     c.encloseRect(x);
-    EXPECT_EQ(c.cacheState().rectMemo->size(), 1u);
+    EXPECT_EQ(c.cacheState().rectMemo.get()->size(), 1u);
 }
 
 TEST(ContourBadInput, SingleNaNVertexIsNotSelfIntersecting) {

@@ -93,8 +93,8 @@ TEST(ContourEncloseCircle, ModeTwoThrowsBadParamsWithMessage) {
         EXPECT_EQ(e.errorNumber(), 0x10004683);
         EXPECT_EQ(e.message(), L"diameterMode is not one of the valid enums");
     }
-    EXPECT_EQ(c.cacheState().encloseCircleValid, (std::vector<bool>{false, false}));
-    EXPECT_EQ(c.cacheState().encloseCircleCount, 2u);
+    EXPECT_FALSE(c.cacheState().encloseCircle[0].valid);
+    EXPECT_FALSE(c.cacheState().encloseCircle[1].valid);
 }
 
 TEST(ContourEncloseCircle, NegativeModeThrowsBadParams) {
@@ -105,10 +105,12 @@ TEST(ContourEncloseCircle, NegativeModeThrowsBadParams) {
 TEST(ContourEncloseCircle, SecondCallUsesCacheAndChangeDiscardsIt) {
     ContourProbe c(square2(), true, 0);
     c.encloseCircle(Defs::furthestVertexPair);
-    EXPECT_EQ(c.cacheState().encloseCircleValid, (std::vector<bool>{true, false}));
+    EXPECT_TRUE(c.cacheState().encloseCircle[0].valid);
+    EXPECT_FALSE(c.cacheState().encloseCircle[1].valid);
     EXPECT_EQ(c.encloseCircle(Defs::furthestVertexPair).center(), xcVector<2>(1, 1));
     c.points(Points{{0, 0}, {6, 0}});
-    EXPECT_EQ(c.cacheState().encloseCircleValid, (std::vector<bool>{false, false}));
+    EXPECT_FALSE(c.cacheState().encloseCircle[0].valid);
+    EXPECT_FALSE(c.cacheState().encloseCircle[1].valid);
     const xcCircle k = c.encloseCircle(Defs::furthestVertexPair);
     EXPECT_EQ(k.center(), xcVector<2>(3, 0));
     EXPECT_EQ(k.radius(), 3.0);
@@ -117,7 +119,8 @@ TEST(ContourEncloseCircle, SecondCallUsesCacheAndChangeDiscardsIt) {
 TEST(ContourEncloseCircle, CoincidentVerticesGiveDefaultCircleMarkedValid) {
     ContourProbe c(Points{{3, 3}, {3, 3}, {3, 3}}, true, 0);
     EXPECT_EQ(c.encloseCircle(Defs::furthestVertexPair), xcCircle());
-    EXPECT_EQ(c.cacheState().encloseCircleValid, (std::vector<bool>{true, false}));
+    EXPECT_TRUE(c.cacheState().encloseCircle[0].valid);
+    EXPECT_FALSE(c.cacheState().encloseCircle[1].valid);
 }
 
 TEST(ContourEncloseCircle, CoincidentVerticesAfterChangeStillGiveDefaultCircle) {

@@ -74,10 +74,10 @@ TEST(ContourDraw, ColorAndLayerArePassedOn) {
 TEST(ContourDraw, ReadsAndFillsNoCache) {
     const ContourProbe c(kTriangle, true, 0);
     drawn(c);
-    const ContourProbe::CacheState s = c.cacheState();
-    EXPECT_FALSE(s.lineSegsValid);
-    EXPECT_FALSE(s.lengthValid);
-    EXPECT_EQ(s.rectMemo, nullptr);
+    const ContourProbe::CacheState& s = c.cacheState();
+    EXPECT_FALSE(s.edges.valid);
+    EXPECT_FALSE(s.length.valid);
+    EXPECT_EQ(s.rectMemo.get(), nullptr);
 }
 
 TEST(ContourDraw, DrawsCurrentVerticesAfterChange) {

@@ -35,7 +35,7 @@ std::vector<long> expectedVictims(const std::vector<double>& counts) {
 
 std::vector<double> memoAngles(const ContourProbe& c) {
     std::vector<double> keys;
-    for (const auto& e : *c.cacheState().extremalVertexMemo)
+    for (const auto& e : *c.cacheState().extremalVertexMemo.get())
         keys.push_back(e.first.toDouble());
     return keys;
 }
@@ -55,7 +55,7 @@ TEST(ContourLength, OpenUnitSquareIsThree) {
 TEST(ContourLength, EmptyContourIsZeroWithoutCaching) {
     const ContourProbe c;
     EXPECT_EQ(c.length(), 0.0);
-    EXPECT_FALSE(c.cacheState().lengthValid);
+    EXPECT_FALSE(c.cacheState().length.valid);
 }
 
 TEST(ContourLength, OneVertexIsZeroClosedOrOpen) {
@@ -71,8 +71,8 @@ TEST(ContourLength, TriangleSumsItsEdges) {
 TEST(ContourLength, IsCached) {
     const ContourProbe c(unitSquare(), true, 0);
     c.length();
-    EXPECT_TRUE(c.cacheState().lengthValid);
-    EXPECT_EQ(c.cacheState().length, 4.0);
+    EXPECT_TRUE(c.cacheState().length.valid);
+    EXPECT_EQ(c.cacheState().length.value, 4.0);
 }
 
 // ---- mean position ----
@@ -101,7 +101,7 @@ TEST(ContourMeanPosition, AllZeroLengthEdgesGiveNaN) {
 TEST(ContourMeanPosition, IsCachedAndDroppedByChange) {
     ContourProbe c(unitSquare(), true, 0);
     c.meanPosition();
-    EXPECT_TRUE(c.cacheState().meanPositionValid);
+    EXPECT_TRUE(c.cacheState().meanPosition.valid);
     c.points(Points{{0, 0}, {4, 0}});
     EXPECT_EQ(c.meanPosition(), xcVector<2>(2, 0));
 }
@@ -161,11 +161,11 @@ TEST(ContourExtremalVertex, AllScoresNaNGiveMinusOneMemoised) {
     const ContourProbe c(Points{{0, 0}, {1, 1}}, false, 0);
     const xcRadian nanAngle(std::nan(""));
     EXPECT_EQ(c.extremalVertexIndex(nanAngle), -1);
-    ASSERT_NE(c.cacheState().extremalVertexMemo, nullptr);
-    EXPECT_EQ(c.cacheState().extremalVertexMemo->size(), 1u);
-    EXPECT_EQ(c.cacheState().extremalVertexMemo->begin()->second, -1);
+    ASSERT_NE(c.cacheState().extremalVertexMemo.get(), nullptr);
+    EXPECT_EQ(c.cacheState().extremalVertexMemo.get()->size(), 1u);
+    EXPECT_EQ(c.cacheState().extremalVertexMemo.get()->begin()->second, -1);
     EXPECT_EQ(c.extremalVertexIndex(nanAngle), -1);  // found again: NaN keys match each other
-    EXPECT_EQ(c.cacheState().extremalVertexMemo->size(), 1u);
+    EXPECT_EQ(c.cacheState().extremalVertexMemo.get()->size(), 1u);
 }
 
 TEST(ContourExtremalVertex, NaNVerticesGiveMinusOne) {
@@ -188,7 +188,7 @@ TEST(ContourExtremalVertex, PositionWithoutExtremalVertexThrowsBadParams) {
 TEST(ContourExtremalVertex, NeedsTwoVertices) {
     const ContourProbe c(Points{{0, 0}}, true, 0);
     expectEmptyContour([&] { c.extremalVertexIndex(xcRadian(0.0)); });
-    EXPECT_EQ(c.cacheState().extremalVertexMemo, nullptr);  // nothing changed
+    EXPECT_EQ(c.cacheState().extremalVertexMemo.get(), nullptr);  // nothing changed
 }
 
 TEST(ContourExtremalVertex, FiveAnglesWithDefaultLimitLeaveFourEntries) {
@@ -196,9 +196,9 @@ TEST(ContourExtremalVertex, FiveAnglesWithDefaultLimitLeaveFourEntries) {
         const ContourProbe c(unitSquare(), true, 0);
         for (int k = 0; k < 4; ++k)
             c.extremalVertexIndex(xcRadian(0.1 * (k + 1)));
-        EXPECT_EQ(c.cacheState().extremalVertexMemo->size(), 4u);  // limit 3, plus one
+        EXPECT_EQ(c.cacheState().extremalVertexMemo.get()->size(), 4u);  // limit 3, plus one
         c.extremalVertexIndex(xcRadian(0.05));
-        EXPECT_EQ(c.cacheState().extremalVertexMemo->size(), 4u);
+        EXPECT_EQ(c.cacheState().extremalVertexMemo.get()->size(), 4u);
     });
 }
 
@@ -259,7 +259,7 @@ TEST(ContourExtremalVertex, RaisingTheLimitLetsTheMemoGrow) {
         c.extremalVertexIndex(xcRadian(0.3));
         EXPECT_EQ(memoAngles(c), (std::vector<double>{0.1, 0.2, 0.3}));
         c.cachedVectorSize(0);  // not trimmed
-        EXPECT_EQ(c.cacheState().extremalVertexMemo->size(), 3u);
+        EXPECT_EQ(c.cacheState().extremalVertexMemo.get()->size(), 3u);
     });
 }
 
@@ -356,7 +356,7 @@ TEST(ContourEncloseRect, FifthTransformKeepsFourEntries) {
         ContourProbe c(unitSquare(), true, 0);
         for (int k = 1; k <= 5; ++k)
             c.encloseRect(xcXform<2>(xcMatrix<2>::I, xcVector<2>(k, 0)));
-        EXPECT_EQ(c.cacheState().rectMemo->size(), 4u);
+        EXPECT_EQ(c.cacheState().rectMemo.get()->size(), 4u);
     });
 }
 
@@ -366,7 +366,7 @@ TEST(ContourEncloseRect, LimitZeroKeepsNewestEntry) {
         c.cachedVectorSize(0);
         c.encloseRect(xcXform<2>::I);
         c.encloseRect(xcXform<2>(xcMatrix<2>::I, xcVector<2>(5, 0)));
-        const auto* memo = c.cacheState().rectMemo;
+        const auto* memo = c.cacheState().rectMemo.get();
         ASSERT_EQ(memo->size(), 1u);
         EXPECT_EQ(memo->begin()->first.trans(), xcVector<2>(5, 0));
     });
@@ -381,7 +381,7 @@ TEST(ContourEncloseRect, OpenAndClosedGiveSameBox) {
 TEST(ContourEncloseRect, NeedsTwoVertices) {
     ContourProbe c(Points{{0, 0}}, false, 0);
     expectEmptyContour([&] { c.encloseRect(xcXform<2>::I); });
-    EXPECT_EQ(c.cacheState().rectMemo, nullptr);
+    EXPECT_EQ(c.cacheState().rectMemo.get(), nullptr);
 }
 
 // ---- the interleaved length sum against the sum in edge order ----

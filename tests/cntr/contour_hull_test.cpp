@@ -65,12 +65,12 @@ TEST(ContourHull, SecondCallReturnsCachedRegion) {
     const ContourProbe c(lShape(), true);
     xcRegion first;
     c.convexHull(first);
-    const xcRegion* cached = c.cacheState().convexHull;
+    const xcRegion* cached = c.cacheState().convexHull.value.rep();
     ASSERT_NE(cached, nullptr);
-    EXPECT_TRUE(c.cacheState().convexHullValid);
+    EXPECT_TRUE(c.cacheState().convexHull.valid);
     xcRegion second;
     c.convexHull(second);
-    EXPECT_EQ(c.cacheState().convexHull, cached);
+    EXPECT_EQ(c.cacheState().convexHull.value.rep(), cached);
     EXPECT_EQ(second, first);
 }
 
@@ -79,8 +79,8 @@ TEST(ContourHull, CopiesShareTheHullRegion) {
     xcRegion hull;
     c.convexHull(hull);
     const ContourProbe copy(c);
-    EXPECT_TRUE(copy.cacheState().convexHullValid);
-    EXPECT_EQ(copy.cacheState().convexHull, c.cacheState().convexHull);
+    EXPECT_TRUE(copy.cacheState().convexHull.valid);
+    EXPECT_EQ(copy.cacheState().convexHull.value.rep(), c.cacheState().convexHull.value.rep());
 }
 
 TEST(ContourHull, ChangeInvalidatesHullAndNextCallBuildsNewRegion) {
@@ -88,16 +88,16 @@ TEST(ContourHull, ChangeInvalidatesHullAndNextCallBuildsNewRegion) {
     xcRegion hull;
     c.convexHull(hull);
     const ContourProbe earlier(c);
-    const xcRegion* old = c.cacheState().convexHull;
+    const xcRegion* old = c.cacheState().convexHull.value.rep();
     c.points(square(0, 0, 3));
-    EXPECT_FALSE(c.cacheState().convexHullValid);
-    EXPECT_EQ(c.cacheState().convexHull, old);  // kept until replaced
+    EXPECT_FALSE(c.cacheState().convexHull.valid);
+    EXPECT_EQ(c.cacheState().convexHull.value.rep(), old);  // kept until replaced
     c.convexHull(hull);
     EXPECT_EQ(hull.points(), square(0, 0, 3));
-    EXPECT_NE(c.cacheState().convexHull, old);
+    EXPECT_NE(c.cacheState().convexHull.value.rep(), old);
     // The earlier copy still holds the old hull region.
-    EXPECT_EQ(earlier.cacheState().convexHull, old);
-    EXPECT_EQ(earlier.cacheState().convexHull->points(), lShapeHull());
+    EXPECT_EQ(earlier.cacheState().convexHull.value.rep(), old);
+    EXPECT_EQ(earlier.cacheState().convexHull.value.rep()->points(), lShapeHull());
 }
 
 TEST(ContourHull, HullReplacesHolesOfResult) {
@@ -127,7 +127,7 @@ TEST(ContourHull, FewerThanTwoVerticesThrowEmptyContour) {
     const ContourProbe c(Points{{1, 1}}, true);
     xcRegion hull;
     expectEmptyContour([&] { c.convexHull(hull); });
-    EXPECT_FALSE(c.cacheState().convexHullValid);
+    EXPECT_FALSE(c.cacheState().convexHull.valid);
     expectEmptyContour([&] { xcContour().convexHull(hull); });
 }
 
@@ -135,7 +135,7 @@ TEST(ContourHull, NaNCoordinateThrowsNotFiniteAndLeavesCacheInvalid) {
     const ContourProbe c(Points{{0, 0}, {std::nan(""), 1}, {1, 1}}, true);
     xcRegion hull(square(0, 0, 1));
     EXPECT_THROW(c.convexHull(hull), xcMathError::NotFinite);
-    EXPECT_FALSE(c.cacheState().convexHullValid);
+    EXPECT_FALSE(c.cacheState().convexHull.valid);
     EXPECT_EQ(hull.points(), square(0, 0, 1));
 }
 
@@ -194,15 +194,15 @@ TEST(ContourFitEllipse, ResultIsCachedUntilChange) {
     xcEllipse first;
     double rms = 0;
     c.fitEllipse(first, rms);
-    EXPECT_TRUE(c.cacheState().fitEllipseValid);
-    EXPECT_EQ(c.cacheState().fitResidual, rms);
+    EXPECT_TRUE(c.cacheState().fittedEllipse.valid);
+    EXPECT_EQ(c.cacheState().fittedEllipse.value.residual, rms);
     xcEllipse second;
     double rms2 = 1;
     c.fitEllipse(second, rms2);
     EXPECT_EQ(second, first);
     EXPECT_EQ(rms2, rms);
     c.points(Points{{0, 0}, {2, 0}});
-    EXPECT_FALSE(c.cacheState().fitEllipseValid);
+    EXPECT_FALSE(c.cacheState().fittedEllipse.valid);
     c.fitEllipse(second, rms2);
     EXPECT_EQ(rms2, -1.0);
 }
@@ -213,7 +213,7 @@ TEST(ContourFitEllipse, CopyCarriesCachedEllipse) {
     double rms = 0;
     c.fitEllipse(e, rms);
     const ContourProbe copy(c);
-    EXPECT_TRUE(copy.cacheState().fitEllipseValid);
+    EXPECT_TRUE(copy.cacheState().fittedEllipse.valid);
     xcEllipse fromCopy;
     double rmsCopy = 1;
     copy.fitEllipse(fromCopy, rmsCopy);
@@ -225,7 +225,7 @@ TEST(ContourFitEllipse, FewerThanTwoVerticesThrowEmptyContour) {
     xcEllipse e;
     double rms = 0;
     expectEmptyContour([&] { c.fitEllipse(e, rms); });
-    EXPECT_FALSE(c.cacheState().fitEllipseValid);
+    EXPECT_FALSE(c.cacheState().fittedEllipse.valid);
 }
 
 TEST(ContourFitEllipse, NaNCoordinateGivesNoFit) {

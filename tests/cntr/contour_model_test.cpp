@@ -79,20 +79,20 @@ TEST(ContourModel, ConstructorStoresPointsClosedAndLabel) {
 
 TEST(ContourModel, NewContourHasEmptyCaches) {
     const ContourProbe c(unitSquare(), true, 0);
-    const ContourProbe::CacheState s = c.cacheState();
-    EXPECT_FALSE(s.meanPositionValid);
-    EXPECT_FALSE(s.lengthValid);
-    EXPECT_FALSE(s.convexHullValid);
-    EXPECT_EQ(s.convexHull, nullptr);
-    EXPECT_EQ(s.rectMemo, nullptr);
-    EXPECT_EQ(s.extremalVertexMemo, nullptr);
-    EXPECT_EQ(s.vertexGrids, nullptr);
-    EXPECT_EQ(s.encloseCircleValid, (std::vector<bool>{false, false}));
-    EXPECT_EQ(s.encloseCircleCount, 2u);
-    EXPECT_FALSE(s.fitEllipseValid);
-    EXPECT_FALSE(s.selfIntersectingValid);
-    EXPECT_FALSE(s.lineSegsValid);
-    EXPECT_FALSE(s.medianFeatureSizeValid);
+    const ContourProbe::CacheState& s = c.cacheState();
+    EXPECT_FALSE(s.meanPosition.valid);
+    EXPECT_FALSE(s.length.valid);
+    EXPECT_FALSE(s.convexHull.valid);
+    EXPECT_EQ(s.convexHull.value.rep(), nullptr);
+    EXPECT_EQ(s.rectMemo.get(), nullptr);
+    EXPECT_EQ(s.extremalVertexMemo.get(), nullptr);
+    EXPECT_EQ(s.vertexGrids.get(), nullptr);
+    EXPECT_FALSE(s.encloseCircle[0].valid);
+    EXPECT_FALSE(s.encloseCircle[1].valid);
+    EXPECT_FALSE(s.fittedEllipse.valid);
+    EXPECT_FALSE(s.selfIntersecting.valid);
+    EXPECT_FALSE(s.edges.valid);
+    EXPECT_FALSE(s.medianFeatureSize.valid);
 }
 
 TEST(ContourModel, PolygonRepeatingFirstVertexGivesClosedContourKeepingBoth) {
@@ -204,7 +204,7 @@ TEST(ContourModel, LabelKeepsCachedMeanPosition) {
     const unsigned long changes = c.changeCount();
     c.label(7);
     EXPECT_EQ(c.label(), 7u);
-    EXPECT_TRUE(c.cacheState().meanPositionValid);
+    EXPECT_TRUE(c.cacheState().meanPosition.valid);
     EXPECT_EQ(c.cleanCalls, 0);
     EXPECT_EQ(c.changeCount(), changes + 1);
 }
@@ -214,7 +214,7 @@ TEST(ContourModel, OpeningClosedContourDropsCachedMeanPosition) {
     c.meanPosition();
     c.isClosed(false);
     EXPECT_FALSE(c.isClosed());
-    EXPECT_FALSE(c.cacheState().meanPositionValid);
+    EXPECT_FALSE(c.cacheState().meanPosition.valid);
     EXPECT_EQ(c.cleanCalls, 1);
 }
 
@@ -247,7 +247,7 @@ TEST(ContourModel, ZeroCachedVectorSizeIsAccepted) {
     c.cachedVectorSize(0);
     EXPECT_EQ(c.cachedVectorSize(), 0);
     EXPECT_EQ(c.changeCount(), changes + 1);
-    EXPECT_TRUE(c.cacheState().lengthValid);
+    EXPECT_TRUE(c.cacheState().length.valid);
 }
 
 TEST(ContourModel, PointsSetterDropsCachesAndCallsDataHook) {
@@ -255,7 +255,7 @@ TEST(ContourModel, PointsSetterDropsCachesAndCallsDataHook) {
     c.meanPosition();
     c.points(Points{{0, 0}, {2, 0}});
     EXPECT_EQ(c.points(), (Points{{0, 0}, {2, 0}}));
-    EXPECT_FALSE(c.cacheState().meanPositionValid);
+    EXPECT_FALSE(c.cacheState().meanPosition.valid);
     EXPECT_EQ(c.dataHookCalls, 1);
     EXPECT_EQ(c.cleanCalls, 2);  // once before storing, once through the hook
 }
@@ -271,7 +271,7 @@ TEST(ContourModel, SetPointsDropsCachesWithoutDataHook) {
     c.length();
     c.setPoints(Points{{0, 0}, {0, 3}});
     EXPECT_EQ(c.points(), (Points{{0, 0}, {0, 3}}));
-    EXPECT_FALSE(c.cacheState().lengthValid);
+    EXPECT_FALSE(c.cacheState().length.valid);
     EXPECT_EQ(c.dataHookCalls, 0);
     EXPECT_EQ(c.cleanCalls, 1);
 }
@@ -280,7 +280,7 @@ TEST(ContourModel, PointsHookDropsCaches) {
     ContourProbe c(unitSquare(), true, 0);
     c.length();
     c.makePointsConsistentWithData();
-    EXPECT_FALSE(c.cacheState().lengthValid);
+    EXPECT_FALSE(c.cacheState().length.valid);
     EXPECT_EQ(c.cleanCalls, 1);
 }
 
@@ -288,31 +288,29 @@ TEST(ContourModel, CleanCacheInfoDropsEveryCache) {
     ContourProbe c(unitSquare(), true, 0);
     fillCaches(c);
     ContourProbe::CacheState s = c.cacheState();
-    ASSERT_TRUE(s.meanPositionValid && s.lengthValid && s.lineSegsValid && s.medianFeatureSizeValid);
-    ASSERT_NE(s.rectMemo, nullptr);
+    ASSERT_TRUE(s.meanPosition.valid && s.length.valid && s.edges.valid && s.medianFeatureSize.valid);
+    ASSERT_NE(s.rectMemo.get(), nullptr);
     const unsigned long changes = c.changeCount();
 
     c.isClosed(true);  // a geometric change, even to the same value, ends in cleanCacheInfo
     s = c.cacheState();
     EXPECT_EQ(c.changeCount(), changes + 1);
-    EXPECT_EQ(s.rectMemo, nullptr);
-    EXPECT_EQ(s.extremalVertexMemo, nullptr);
-    EXPECT_EQ(s.vertexGrids, nullptr);
-    EXPECT_FALSE(s.meanPositionValid);
-    EXPECT_FALSE(s.lengthValid);
-    EXPECT_EQ(s.length, 0.0);
-    EXPECT_FALSE(s.convexHullValid);
-    EXPECT_EQ(s.encloseCircleValid, (std::vector<bool>{false, false}));
-    EXPECT_EQ(s.encloseCircleCount, 2u);
-    EXPECT_FALSE(s.fitEllipseValid);
-    EXPECT_EQ(s.fitResidual, 0.0);
-    EXPECT_FALSE(s.selfIntersectingValid);
-    EXPECT_FALSE(s.lineSegsValid);
-    EXPECT_FALSE(s.linesValid);
-    EXPECT_FALSE(s.rectsValid);
-    EXPECT_EQ(s.edgeVectorSize, 4u);  // the edge vectors are kept until rebuilt
-    EXPECT_FALSE(s.medianFeatureSizeValid);
-    EXPECT_EQ(s.medianFeatureSize, 0.0);
+    EXPECT_EQ(s.rectMemo.get(), nullptr);
+    EXPECT_EQ(s.extremalVertexMemo.get(), nullptr);
+    EXPECT_EQ(s.vertexGrids.get(), nullptr);
+    EXPECT_FALSE(s.meanPosition.valid);
+    EXPECT_FALSE(s.length.valid);
+    EXPECT_EQ(s.length.value, 0.0);
+    EXPECT_FALSE(s.convexHull.valid);
+    EXPECT_FALSE(s.encloseCircle[0].valid);
+    EXPECT_FALSE(s.encloseCircle[1].valid);
+    EXPECT_FALSE(s.fittedEllipse.valid);
+    EXPECT_EQ(s.fittedEllipse.value.residual, 0.0);
+    EXPECT_FALSE(s.selfIntersecting.valid);
+    EXPECT_FALSE(s.edges.valid);
+    EXPECT_EQ(s.edges.value.segs.size(), 4u);  // the edge vectors are kept until rebuilt
+    EXPECT_FALSE(s.medianFeatureSize.valid);
+    EXPECT_EQ(s.medianFeatureSize.value, 0.0);
 }
 
 TEST(ContourModel, CacheFillDoesNotCountAsChange) {
@@ -331,19 +329,20 @@ TEST(ContourModel, AssignmentCopiesValidCaches) {
     a = b;
     EXPECT_EQ(a, b);
     EXPECT_EQ(a.label(), 9u);
-    const ContourProbe::CacheState s = a.cacheState();
-    EXPECT_TRUE(s.meanPositionValid);
-    EXPECT_TRUE(s.lengthValid);
-    EXPECT_EQ(s.length, 4.0);
-    EXPECT_TRUE(s.lineSegsValid);
-    EXPECT_TRUE(s.medianFeatureSizeValid);
-    EXPECT_EQ(s.encloseCircleValid, (std::vector<bool>{false, true}));
-    ASSERT_NE(s.rectMemo, nullptr);
-    EXPECT_EQ(s.rectMemo->size(), 1u);
-    ASSERT_NE(s.extremalVertexMemo, nullptr);
-    EXPECT_EQ(s.extremalVertexMemo->size(), 1u);
-    ASSERT_NE(s.vertexGrids, nullptr);
-    EXPECT_EQ(s.vertexGrids->size(), 1u);
+    const ContourProbe::CacheState& s = a.cacheState();
+    EXPECT_TRUE(s.meanPosition.valid);
+    EXPECT_TRUE(s.length.valid);
+    EXPECT_EQ(s.length.value, 4.0);
+    EXPECT_TRUE(s.edges.valid);
+    EXPECT_TRUE(s.medianFeatureSize.valid);
+    EXPECT_FALSE(s.encloseCircle[0].valid);
+    EXPECT_TRUE(s.encloseCircle[1].valid);
+    ASSERT_NE(s.rectMemo.get(), nullptr);
+    EXPECT_EQ(s.rectMemo.get()->size(), 1u);
+    ASSERT_NE(s.extremalVertexMemo.get(), nullptr);
+    EXPECT_EQ(s.extremalVertexMemo.get()->size(), 1u);
+    ASSERT_NE(s.vertexGrids.get(), nullptr);
+    EXPECT_EQ(s.vertexGrids.get()->size(), 1u);
 }
 
 TEST(ContourModel, AssignedContourAnswersFromCopiedCache) {
@@ -364,20 +363,20 @@ TEST(ContourModel, AssignmentDeepCopiesMemos) {
     fillCaches(b);
     ContourProbe a;
     a = b;
-    EXPECT_NE(a.cacheState().rectMemo, b.cacheState().rectMemo);
-    EXPECT_NE(a.cacheState().extremalVertexMemo, b.cacheState().extremalVertexMemo);
-    EXPECT_NE(a.cacheState().vertexGrids, b.cacheState().vertexGrids);
+    EXPECT_NE(a.cacheState().rectMemo.get(), b.cacheState().rectMemo.get());
+    EXPECT_NE(a.cacheState().extremalVertexMemo.get(), b.cacheState().extremalVertexMemo.get());
+    EXPECT_NE(a.cacheState().vertexGrids.get(), b.cacheState().vertexGrids.get());
 
     a.points(Points{{0, 0}, {9, 9}});
     a.encloseRect(xcXform<2>::I);
-    const ContourProbe::CacheState s = b.cacheState();
-    ASSERT_NE(s.rectMemo, nullptr);
-    EXPECT_EQ(s.rectMemo->begin()->second.lr(), xcVector<2>(1, 1));
-    ASSERT_NE(s.extremalVertexMemo, nullptr);
-    EXPECT_EQ(s.extremalVertexMemo->size(), 1u);
-    ASSERT_NE(s.vertexGrids, nullptr);
-    EXPECT_EQ(s.vertexGrids->size(), 1u);
-    EXPECT_TRUE(s.meanPositionValid);
+    const ContourProbe::CacheState& s = b.cacheState();
+    ASSERT_NE(s.rectMemo.get(), nullptr);
+    EXPECT_EQ(s.rectMemo.get()->begin()->second.lr(), xcVector<2>(1, 1));
+    ASSERT_NE(s.extremalVertexMemo.get(), nullptr);
+    EXPECT_EQ(s.extremalVertexMemo.get()->size(), 1u);
+    ASSERT_NE(s.vertexGrids.get(), nullptr);
+    EXPECT_EQ(s.vertexGrids.get()->size(), 1u);
+    EXPECT_TRUE(s.meanPosition.valid);
 }
 
 TEST(ContourModel, AssignmentFromContourWithoutMemosDeletesMemos) {
@@ -385,9 +384,9 @@ TEST(ContourModel, AssignmentFromContourWithoutMemosDeletesMemos) {
     fillCaches(a);
     const ContourProbe b(unitSquare(), true, 0);
     a = b;
-    EXPECT_EQ(a.cacheState().rectMemo, nullptr);
-    EXPECT_EQ(a.cacheState().extremalVertexMemo, nullptr);
-    EXPECT_EQ(a.cacheState().vertexGrids, nullptr);
+    EXPECT_EQ(a.cacheState().rectMemo.get(), nullptr);
+    EXPECT_EQ(a.cacheState().extremalVertexMemo.get(), nullptr);
+    EXPECT_EQ(a.cacheState().vertexGrids.get(), nullptr);
 }
 
 TEST(ContourModel, AssignmentDoesNotCountAsChange) {
@@ -401,10 +400,10 @@ TEST(ContourModel, AssignmentDoesNotCountAsChange) {
 TEST(ContourModel, SelfAssignmentKeepsEverything) {
     ContourProbe a(unitSquare(), true, 3);
     fillCaches(a);
-    const auto* memo = a.cacheState().rectMemo;
+    const auto* memo = a.cacheState().rectMemo.get();
     ContourProbe& same = a;
     a = same;
-    EXPECT_EQ(a.cacheState().rectMemo, memo);
+    EXPECT_EQ(a.cacheState().rectMemo.get(), memo);
     EXPECT_EQ(a.points(), unitSquare());
     EXPECT_EQ(a.label(), 3u);
 }
@@ -415,10 +414,10 @@ TEST(ContourModel, CopyConstructorCopiesCachesIntoOwnMemos) {
     const ContourProbe a(b);
     EXPECT_EQ(a, b);
     EXPECT_EQ(a.label(), 4u);
-    EXPECT_TRUE(a.cacheState().lengthValid);
-    EXPECT_EQ(a.cacheState().length, 3.0);
-    ASSERT_NE(a.cacheState().rectMemo, nullptr);
-    EXPECT_NE(a.cacheState().rectMemo, b.cacheState().rectMemo);
+    EXPECT_TRUE(a.cacheState().length.valid);
+    EXPECT_EQ(a.cacheState().length.value, 3.0);
+    ASSERT_NE(a.cacheState().rectMemo.get(), nullptr);
+    EXPECT_NE(a.cacheState().rectMemo.get(), b.cacheState().rectMemo.get());
 }
 
 TEST(ContourModel, CopyStartsWithFreshCount) {
@@ -451,10 +450,10 @@ TEST(ContourModel, MapOntoItselfLeavesEmptyCaches) {
     EXPECT_EQ(c.points(), (Points{{1, 1}, {3, 1}, {3, 3}, {1, 3}}));
     EXPECT_TRUE(c.isClosed());
     EXPECT_EQ(c.label(), 2u);
-    const ContourProbe::CacheState s = c.cacheState();
-    EXPECT_FALSE(s.meanPositionValid);
-    EXPECT_FALSE(s.lengthValid);
-    EXPECT_FALSE(s.lineSegsValid);
-    EXPECT_EQ(s.rectMemo, nullptr);
+    const ContourProbe::CacheState& s = c.cacheState();
+    EXPECT_FALSE(s.meanPosition.valid);
+    EXPECT_FALSE(s.length.valid);
+    EXPECT_FALSE(s.edges.valid);
+    EXPECT_EQ(s.rectMemo.get(), nullptr);
     EXPECT_EQ(c.length(), 8.0);  // side 2, four sides
 }

@@ -64,9 +64,9 @@ TEST(ContourClosestPoint, ZeroLengthClosingEdgeGivesItsVertex) {
 TEST(ContourClosestPoint, NothingIsCached) {
     ContourProbe c(square2(), true, 0);
     c.closestPoint({3, 3}, false);
-    const ContourProbe::CacheState s = c.cacheState();
-    EXPECT_FALSE(s.lineSegsValid);
-    EXPECT_EQ(s.rectMemo, nullptr);
+    const ContourProbe::CacheState& s = c.cacheState();
+    EXPECT_FALSE(s.edges.valid);
+    EXPECT_EQ(s.rectMemo.get(), nullptr);
 }
 
 TEST(ContourClosestPoint, NeedsTwoVertices) {

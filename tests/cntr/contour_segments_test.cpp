@@ -70,9 +70,7 @@ TEST(ContourEdges, SingleVertexClosedHasOneDegenerateEdge) {
 TEST(ContourEdges, BuiltOnceAndRebuiltAfterChange) {
     ContourProbe c(square2(), true, 0);
     c.computeLineSegs();
-    EXPECT_TRUE(c.cacheState().lineSegsValid);
-    EXPECT_TRUE(c.cacheState().linesValid);
-    EXPECT_TRUE(c.cacheState().rectsValid);
+    EXPECT_TRUE(c.cacheState().edges.valid);
     c.isClosed(false);
     EXPECT_EQ(c.lineSegs().size(), 3u);
 }
@@ -100,16 +98,16 @@ TEST(ContourSegmentQuery, OutsideBoundingBoxYieldsNothingWithoutBuildingEdges) {
     std::vector<int> edges{7};
     EXPECT_TRUE(c.intersections(seg(3, 3, 5, 4), edges, true).empty());
     EXPECT_TRUE(edges.empty());
-    EXPECT_FALSE(c.cacheState().lineSegsValid);
-    ASSERT_NE(c.cacheState().rectMemo, nullptr);  // the bounding box went through the memo
-    EXPECT_EQ(c.cacheState().rectMemo->size(), 1u);
+    EXPECT_FALSE(c.cacheState().edges.valid);
+    ASSERT_NE(c.cacheState().rectMemo.get(), nullptr);  // the bounding box went through the memo
+    EXPECT_EQ(c.cacheState().rectMemo.get()->size(), 1u);
 }
 
 TEST(ContourSegmentQuery, TouchingBoundingBoxCountsAsOverlap) {
     ContourProbe c(square2(), true, 0);
     // From (2, 2) outwards: the box is touched at its corner, so the edges are examined.
     EXPECT_EQ(c.intersections(seg(2, 2, 3, 3), true), (Points{{2, 2}, {2, 2}}));
-    EXPECT_TRUE(c.cacheState().lineSegsValid);
+    EXPECT_TRUE(c.cacheState().edges.valid);
 }
 
 TEST(ContourSegmentQuery, StartOnEdgeReportedOnlyWithEndTouches) {
@@ -282,9 +280,9 @@ TEST(ContourSelfIntersection, EmptyAndSingleVertexAreNot) {
 TEST(ContourSelfIntersection, IsCachedUntilChange) {
     ContourProbe c(Points{{0, 0}, {2, 2}, {2, 0}, {0, 2}}, true, 0);
     EXPECT_TRUE(c.isSelfIntersecting());
-    EXPECT_TRUE(c.cacheState().selfIntersectingValid);
+    EXPECT_TRUE(c.cacheState().selfIntersecting.valid);
     c.points(square2());
-    EXPECT_FALSE(c.cacheState().selfIntersectingValid);
+    EXPECT_FALSE(c.cacheState().selfIntersecting.valid);
     EXPECT_FALSE(c.isSelfIntersecting());
 }
 
@@ -311,8 +309,8 @@ TEST(ContourMedianFeatureSize, DegenerateEdgesCountZero) {
 TEST(ContourMedianFeatureSize, IsCachedUntilChange) {
     ContourProbe c(Points{{0, 0}, {1, 0}, {3, 0}, {6, 0}}, false, 0);
     c.medianFeatureSize();
-    EXPECT_TRUE(c.cacheState().medianFeatureSizeValid);
-    EXPECT_EQ(c.cacheState().medianFeatureSize, 2.0);
+    EXPECT_TRUE(c.cacheState().medianFeatureSize.valid);
+    EXPECT_EQ(c.cacheState().medianFeatureSize.value, 2.0);
     c.points(Points{{0, 0}, {7, 0}});
     EXPECT_EQ(c.medianFeatureSize(), 7.0);
 }

@@ -18,7 +18,7 @@ public:
     ContourProbe(const ContourProbe&) = default;
     ContourProbe& operator=(const ContourProbe&) = default;
 
-    using xcContour::CacheState;
+    using CacheState = xn_contourDetail::ContourCaches;
     using xcContour::cacheState;
     using xcContour::checkEmptyContour;
     using xcContour::computeLineSegs;

@@ -55,12 +55,12 @@ TEST(ContourVertexIndex, VertexInNeighbourCellButTooFarIsExcluded) {
 TEST(ContourVertexIndex, SecondToleranceAddsSecondGrid) {
     ContourProbe c(Points{{0, 0}, {3, 0}}, false, 0);
     EXPECT_EQ(c.vertexIndex({0, 0}, 1.0), std::vector<int>{0});
-    ASSERT_NE(c.cacheState().vertexGrids, nullptr);
-    EXPECT_EQ(c.cacheState().vertexGrids->size(), 1u);
+    ASSERT_NE(c.cacheState().vertexGrids.get(), nullptr);
+    EXPECT_EQ(c.cacheState().vertexGrids.get()->size(), 1u);
     EXPECT_EQ(c.vertexIndex({3, 0}, 1.0), std::vector<int>{1});
-    EXPECT_EQ(c.cacheState().vertexGrids->size(), 1u);
+    EXPECT_EQ(c.cacheState().vertexGrids.get()->size(), 1u);
     EXPECT_EQ(c.vertexIndex({1, 0}, 5.0), (std::vector<int>{0, 1}));
-    const auto& grids = *c.cacheState().vertexGrids;
+    const auto& grids = *c.cacheState().vertexGrids.get();
     ASSERT_EQ(grids.size(), 2u);
     EXPECT_EQ(grids[0].tolerance, 1.0);
     EXPECT_EQ(grids[1].tolerance, 5.0);
@@ -74,7 +74,7 @@ TEST(ContourVertexIndex, GridsDroppedByChange) {
     ContourProbe c(Points{{0, 0}, {3, 0}}, false, 0);
     c.vertexIndex({0, 0}, 1.0);
     c.points(Points{{3, 0}, {0, 0}});
-    EXPECT_EQ(c.cacheState().vertexGrids, nullptr);
+    EXPECT_EQ(c.cacheState().vertexGrids.get(), nullptr);
     EXPECT_EQ(c.vertexIndex({0, 0}, 1.0), std::vector<int>{1});
 }
 
@@ -83,7 +83,7 @@ TEST(ContourVertexIndex, NaNToleranceFindsNothingAndKeepsOneGrid) {
     const double nan = std::nan("");
     EXPECT_TRUE(c.vertexIndex({0, 0}, nan).empty());
     EXPECT_TRUE(c.vertexIndex({0, 0}, nan).empty());
-    EXPECT_EQ(c.cacheState().vertexGrids->size(), 1u);
+    EXPECT_EQ(c.cacheState().vertexGrids.get()->size(), 1u);
 }
 
 TEST(ContourVertexIndex, ZeroAndNegativeTolerancesFindNothing) {
@@ -102,7 +102,7 @@ TEST(ContourVertexIndex, CellsBeyondTheRangeOfLongStillFindTheVertex) {
 TEST(ContourVertexIndex, NeedsTwoVertices) {
     ContourProbe c(Points{{0, 0}}, true, 0);
     expectEmptyContour([&] { c.vertexIndex({0, 0}, 1.0); });
-    EXPECT_EQ(c.cacheState().vertexGrids, nullptr);
+    EXPECT_EQ(c.cacheState().vertexGrids.get(), nullptr);
 }
 
 TEST(ContourVertexIndex, AgreesWithBruteForceOnRandomContours) {

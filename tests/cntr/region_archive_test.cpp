@@ -185,8 +185,8 @@ TEST(RegionArchive, ReloadedRegionHasEmptyCaches) {
     const RegionHandle back = loadRegions(storeRegions({h}), 1)[0];
     const auto* probe = dynamic_cast<const StoredRegion*>(back.rep());
     ASSERT_NE(probe, nullptr);
-    EXPECT_FALSE(probe->regionCacheState().areaValid);
-    EXPECT_FALSE(probe->cacheState().lengthValid);
+    EXPECT_FALSE(probe->regionCacheState().area[0].valid);
+    EXPECT_FALSE(probe->cacheState().length.valid);
 }
 
 TEST(RegionArchive, LoadingIntoFilledRegionDropsItsCachesAndHoles) {
@@ -206,8 +206,8 @@ TEST(RegionArchive, LoadingIntoFilledRegionDropsItsCachesAndHoles) {
     EXPECT_EQ(target.label(), 4u);
     EXPECT_TRUE(target.holes().empty());
     EXPECT_GT(target.cleanCalls, before);
-    EXPECT_FALSE(target.regionCacheState().areaWithHolesValid);
-    EXPECT_FALSE(target.regionCacheState().centerOfMassValid);
+    EXPECT_FALSE(target.regionCacheState().area[1].valid);
+    EXPECT_FALSE(target.regionCacheState().center[0].valid);
     EXPECT_DOUBLE_EQ(target.area(true), 9.0);
 }
 

@@ -207,11 +207,11 @@ TEST(RegionInside, FarPointCostsNoRayWork) {
     RegionProbe r(square(0, 0, 1));
     EXPECT_FALSE(r.inside(xcVector<2>(5, 5), false));
     // No edge cache and no diameter were computed.
-    EXPECT_FALSE(r.cacheState().lineSegsValid);
-    EXPECT_FALSE(r.cacheState().encloseCircleValid[1]);
+    EXPECT_FALSE(r.cacheState().edges.valid);
+    EXPECT_FALSE(r.cacheState().encloseCircle[1].valid);
     EXPECT_TRUE(r.inside(xcVector<2>(0.5, 0.5), false));
-    EXPECT_TRUE(r.cacheState().lineSegsValid);
-    EXPECT_TRUE(r.cacheState().encloseCircleValid[1]);
+    EXPECT_TRUE(r.cacheState().edges.valid);
+    EXPECT_TRUE(r.cacheState().encloseCircle[1].valid);
 }
 
 // ---- concave outlines ----

@@ -26,10 +26,10 @@ class RegionProbe : public xcRegion {
         return *this;
     }
 
-    using xcContour::CacheState;
+    using CacheState = xn_contourDetail::ContourCaches;
     using xcContour::cacheState;
     using xcRegion::checkEmptyContour;
-    using xcRegion::RegionCacheState;
+    using RegionCacheState = xn_regionDetail::RegionCaches;
     using xcRegion::regionCacheState;
 
     /// The virtual cache reset, as the region's mutations call it.
@@ -83,6 +83,20 @@ void expectThrowWith(Call call, long number, const std::wstring& message) {
 template <class Call>
 void expectBadParams(Call call, const std::wstring& message) {
     expectThrowWith<xcContourDefs::BadParams>(call, 0x10004683, message);
+}
+
+/// Expects every flag of the measures that regions and region sets share to be clear, and both
+/// areas 0 (what a reset leaves).
+template <class Shape>
+void expectNoMeasureCache(const xn_contourDetail::MeasureCaches<Shape>& c) {
+    for (int holes = 0; holes < 2; ++holes) {
+        EXPECT_FALSE(c.center[holes].valid) << holes;
+        EXPECT_FALSE(c.area[holes].valid) << holes;
+        EXPECT_EQ(c.area[holes].value, 0.0) << holes;
+        EXPECT_FALSE(c.inertia[holes].valid) << holes;
+    }
+    EXPECT_FALSE(c.regularized.valid);
+    EXPECT_FALSE(c.outerHull.valid);
 }
 
 #endif

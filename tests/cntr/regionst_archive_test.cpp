@@ -225,10 +225,10 @@ TEST(RegionSetArchive, LoadingInPlaceReplacesTheListAndDropsTheCaches) {
     EXPECT_EQ(target, source);
     EXPECT_EQ(target.cachedVectorSize(), 5);
     EXPECT_GE(target.cleanCalls, 1);
-    const RegionSetProbe::CacheState c = target.cacheState();
-    EXPECT_FALSE(c.areaValid[1]);
-    EXPECT_EQ(c.rectCache, nullptr);
-    EXPECT_FALSE(c.selfIntersectingValid);
+    const RegionSetProbe::CacheState& c = target.cacheState();
+    EXPECT_FALSE(c.area[1].valid);
+    EXPECT_EQ(c.rectCache.get(), nullptr);
+    EXPECT_FALSE(c.selfIntersecting.valid);
     EXPECT_EQ(target.area(true), 4.0);
 }
 

@@ -45,8 +45,8 @@ void onFreshThread(Body body) {
 // The keys of the set's rectangle cache, as translation x values (the tests use translations).
 std::vector<double> cachedTranslations(const RegionSetProbe& s) {
     std::vector<double> keys;
-    if (s.cacheState().rectCache)
-        for (const auto& entry : *s.cacheState().rectCache)
+    if (s.cacheState().rectCache.get())
+        for (const auto& entry : *s.cacheState().rectCache.get())
             keys.push_back(entry.first.trans().x());
     return keys;
 }
@@ -89,8 +89,8 @@ TEST(RegionSetMeasures, AreaIsCachedPerFlagAndEachFillCountsAsAChange) {
     const unsigned long changes = s.changeCount();
     EXPECT_EQ(s.area(true), 5.0);
     EXPECT_EQ(s.changeCount(), changes + 1);
-    EXPECT_TRUE(s.cacheState().areaValid[1]);
-    EXPECT_FALSE(s.cacheState().areaValid[0]);
+    EXPECT_TRUE(s.cacheState().area[1].valid);
+    EXPECT_FALSE(s.cacheState().area[0].valid);
     EXPECT_EQ(s.area(true), 5.0);
     EXPECT_EQ(s.changeCount(), changes + 1);  // a hit is no change
     EXPECT_EQ(s.area(false), 5.0);
@@ -103,7 +103,7 @@ TEST(RegionSetMeasures, AreaErrorOfARegionPropagatesAndCachesNothing) {
                                    ConstRegionHandle(regionOf({{0, 0}, {1, 1}}))},
                      Defs::keepOutline);
     expectEmptyContour([&] { s.area(true); });
-    EXPECT_FALSE(s.cacheState().areaValid[1]);
+    EXPECT_FALSE(s.cacheState().area[1].valid);
 }
 
 // ---- centre of mass ----
@@ -120,8 +120,8 @@ TEST(RegionSetMeasures, CenterOfMassIsTheAreaWeightedMean) {
     const xcVector<2> c = s.centerOfMass(false);
     EXPECT_NEAR(c.x(), 1.7, 1e-12);
     EXPECT_NEAR(c.y(), 0.9, 1e-12);
-    EXPECT_TRUE(s.cacheState().centerValid[0]);
-    EXPECT_FALSE(s.cacheState().centerValid[1]);
+    EXPECT_TRUE(s.cacheState().center[0].valid);
+    EXPECT_FALSE(s.cacheState().center[1].valid);
 }
 
 TEST(RegionSetMeasures, CenterOfMassWithHolesUsesTheRegionsWithHoles) {
@@ -226,7 +226,7 @@ TEST(RegionSetMeasures, InertiaIsCachedAndEachFillCountsAsAChange) {
     RegionSetProbe s(bigAndSmallSquare(), Defs::keepOutline);
     const unsigned long changes = s.changeCount();
     const xcMatrix<2> first = s.inertiaMatrix(false);
-    EXPECT_TRUE(s.cacheState().inertiaValid[0]);
+    EXPECT_TRUE(s.cacheState().inertia[0].valid);
     EXPECT_EQ(s.changeCount(), changes + 1);
     const xcMatrix<2> second = s.inertiaMatrix(false);
     EXPECT_EQ(s.changeCount(), changes + 1);
@@ -239,7 +239,7 @@ TEST(RegionSetMeasures, InertiaWithHolesOfAHoledRegionPropagatesAndCachesNothing
         Defs::keepOutline);
     expectBadParams([&] { s.inertiaMatrix(true); },
                     L"inertiaMatrix(considerHoles) is not implemented");
-    EXPECT_FALSE(s.cacheState().inertiaValid[1]);
+    EXPECT_FALSE(s.cacheState().inertia[1].valid);
     EXPECT_NO_THROW(s.inertiaMatrix(false));
 }
 
@@ -328,8 +328,8 @@ TEST(RegionSetMeasures, EncloseRectIsCachedAndEachFillCountsAsAChange) {
     EXPECT_EQ(s.changeCount(), changes + 1);
     EXPECT_EQ(s.encloseRect(translation(1, 0)), first);
     EXPECT_EQ(s.changeCount(), changes + 1);
-    ASSERT_NE(s.cacheState().rectCache, nullptr);
-    EXPECT_EQ(s.cacheState().rectCache->size(), 1u);
+    ASSERT_NE(s.cacheState().rectCache.get(), nullptr);
+    EXPECT_EQ(s.cacheState().rectCache.get()->size(), 1u);
 }
 
 TEST(RegionSetMeasures, TransformsDifferingOnlyInElementOneOneShareAnEntry) {
@@ -338,7 +338,7 @@ TEST(RegionSetMeasures, TransformsDifferingOnlyInElementOneOneShareAnEntry) {
     // y -> 5y would give [0,2]x[0,10]; the cache returns the identity's [0,2]^2.
     const xcXform<2> stretched(xcMatrix<2>(1, 0, 0, 5), xcVector<2>(0, 0));
     EXPECT_EQ(s.encloseRect(stretched), identityRect);
-    EXPECT_EQ(s.cacheState().rectCache->size(), 1u);
+    EXPECT_EQ(s.cacheState().rectCache.get()->size(), 1u);
 }
 
 namespace {
@@ -410,7 +410,7 @@ TEST(RegionSetMeasures, ZeroLimitKeepsOneRectangleAfterTheFirstReplacement) {
 TEST(RegionSetMeasures, EmptySetIsNotSelfIntersectingAndCachesNothing) {
     const RegionSetProbe s;
     EXPECT_FALSE(s.isSelfIntersecting());
-    EXPECT_FALSE(s.cacheState().selfIntersectingValid);
+    EXPECT_FALSE(s.cacheState().selfIntersecting.valid);
 }
 
 TEST(RegionSetMeasures, DisjointRegionsDoNotIntersectAndTheSecondCallUsesTheCache) {
@@ -419,7 +419,7 @@ TEST(RegionSetMeasures, DisjointRegionsDoNotIntersectAndTheSecondCallUsesTheCach
         RegionHandles{ConstRegionHandle(box(0, 0, 2, 2)), ConstRegionHandle(moving)},
         Defs::keepOutline);
     EXPECT_FALSE(s.isSelfIntersecting());
-    EXPECT_TRUE(s.cacheState().selfIntersectingValid);
+    EXPECT_TRUE(s.cacheState().selfIntersecting.valid);
     // Moved through its own handle so that it now crosses the first square: the set is not
     // told, and answers from its cache.
     moving->points(rectangle(1, 1, 3, 3));
@@ -431,8 +431,8 @@ TEST(RegionSetMeasures, AnOutlineCrossingItselfMakesTheSetSelfIntersecting) {
                                          ConstRegionHandle(regionOf(bowTie()))},
                            Defs::keepOutline);
     EXPECT_TRUE(s.isSelfIntersecting());
-    EXPECT_TRUE(s.cacheState().selfIntersectingValid);
-    EXPECT_TRUE(s.cacheState().selfIntersecting);
+    EXPECT_TRUE(s.cacheState().selfIntersecting.valid);
+    EXPECT_TRUE(s.cacheState().selfIntersecting.value);
 }
 
 TEST(RegionSetMeasures, TwoCrossingOutlinesMakeTheSetSelfIntersecting) {
@@ -465,7 +465,7 @@ TEST(RegionSetMeasures, SelfIntersectionErrorPropagatesAndCachesNothing) {
         RegionHandles{ConstRegionHandle(regionOf({{0, 0}})), ConstRegionHandle(box(0, 0, 1, 1))},
         Defs::keepOutline);
     expectEmptyContour([&] { s.isSelfIntersecting(); });
-    EXPECT_FALSE(s.cacheState().selfIntersectingValid);
+    EXPECT_FALSE(s.cacheState().selfIntersecting.valid);
 }
 
 namespace {

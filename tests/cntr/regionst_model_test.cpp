@@ -160,7 +160,7 @@ TEST(RegionSetModel, RegionsSetterResetsTheCachesTwice) {
     s.regions(twoSquares(), Defs::keepOutline);
     // Once before the assignment and once through makeDataConsistentWithPoints().
     EXPECT_EQ(s.cleanCalls, 2);
-    EXPECT_FALSE(s.cacheState().areaValid[1]);
+    EXPECT_FALSE(s.cacheState().area[1].valid);
 }
 
 TEST(RegionSetModel, RegionsSetterRefusesANullRegionAndKeepsTheList) {
@@ -171,7 +171,7 @@ TEST(RegionSetModel, RegionsSetterRefusesANullRegionAndKeepsTheList) {
                     L"region set cannot hold a null region");
     ASSERT_EQ(s.regions().size(), 2u);
     EXPECT_EQ(s.regions()[0].rep(), before[0].rep());
-    EXPECT_TRUE(s.cacheState().areaValid[1]);
+    EXPECT_TRUE(s.cacheState().area[1].valid);
 }
 
 TEST(RegionSetModel, AddAppendsAtTheEnd) {
@@ -191,15 +191,10 @@ TEST(RegionSetModel, AddAfterAQueryClearsAllCaches) {
     s.cleanCalls = 0;
     s.add(box(10, 10, 13, 12), Defs::keepOutline);
     EXPECT_EQ(s.cleanCalls, 2);
-    const RegionSetProbe::CacheState c = s.cacheState();
-    EXPECT_FALSE(c.areaValid[0]);
-    EXPECT_FALSE(c.areaValid[1]);
-    EXPECT_FALSE(c.centerValid[0]);
-    EXPECT_FALSE(c.centerValid[1]);
-    EXPECT_FALSE(c.inertiaValid[0]);
-    EXPECT_FALSE(c.inertiaValid[1]);
-    EXPECT_EQ(c.rectCache, nullptr);
-    EXPECT_FALSE(c.selfIntersectingValid);
+    const RegionSetProbe::CacheState& c = s.cacheState();
+    expectNoMeasureCache(c);
+    EXPECT_EQ(c.rectCache.get(), nullptr);
+    EXPECT_FALSE(c.selfIntersecting.valid);
     // Computed afresh: 2 + 3 * 2 = 8.
     EXPECT_EQ(s.area(true), 8.0);
 }
@@ -220,7 +215,7 @@ TEST(RegionSetModel, SetRegionsAssignsWithoutResetOrMode) {
                                  ConstRegionHandle(box(1, 1, 3, 3))};
     s.setRegions(crossing);
     EXPECT_EQ(s.cleanCalls, 0);
-    EXPECT_TRUE(s.cacheState().areaValid[1]);
+    EXPECT_TRUE(s.cacheState().area[1].valid);
     EXPECT_EQ(s.area(true), 2.0);  // the stale cached sum, as documented
     ASSERT_EQ(s.regions().size(), 2u);
     EXPECT_EQ(s.regions()[1].rep(), crossing[1].rep());
@@ -263,8 +258,8 @@ TEST(RegionSetModel, CachedVectorSizeCountsAsAChangeAndKeepsTheRectangles) {
     const unsigned long changes = s.changeCount();
     s.cachedVectorSize(1);
     EXPECT_EQ(s.changeCount(), changes + 1);
-    ASSERT_NE(s.cacheState().rectCache, nullptr);
-    EXPECT_EQ(s.cacheState().rectCache->size(), 4u);  // not trimmed to the new limit
+    ASSERT_NE(s.cacheState().rectCache.get(), nullptr);
+    EXPECT_EQ(s.cacheState().rectCache.get()->size(), 4u);  // not trimmed to the new limit
 }
 
 // ---- equality ----
@@ -315,18 +310,18 @@ TEST(RegionSetModel, CopyKeepsTheValidCaches) {
     source.cachedVectorSize(6);
     fillCaches(source);
     RegionSetProbe copy(source);
-    const RegionSetProbe::CacheState c = copy.cacheState();
+    const RegionSetProbe::CacheState& c = copy.cacheState();
     EXPECT_EQ(copy.cachedVectorSize(), 6);
-    EXPECT_TRUE(c.areaValid[0] && c.areaValid[1]);
-    EXPECT_EQ(c.area[1], 2.0);
-    EXPECT_TRUE(c.centerValid[0] && c.centerValid[1]);
-    EXPECT_TRUE(c.inertiaValid[0] && c.inertiaValid[1]);
-    EXPECT_TRUE(c.selfIntersectingValid);
-    EXPECT_FALSE(c.selfIntersecting);
+    EXPECT_TRUE(c.area[0].valid && c.area[1].valid);
+    EXPECT_EQ(c.area[1].value, 2.0);
+    EXPECT_TRUE(c.center[0].valid && c.center[1].valid);
+    EXPECT_TRUE(c.inertia[0].valid && c.inertia[1].valid);
+    EXPECT_TRUE(c.selfIntersecting.valid);
+    EXPECT_FALSE(c.selfIntersecting.value);
     // The rectangle cache is a map of the copy's own with the same contents.
-    ASSERT_NE(c.rectCache, nullptr);
-    EXPECT_NE(c.rectCache, source.cacheState().rectCache);
-    EXPECT_EQ(*c.rectCache, *source.cacheState().rectCache);
+    ASSERT_NE(c.rectCache.get(), nullptr);
+    EXPECT_NE(c.rectCache.get(), source.cacheState().rectCache.get());
+    EXPECT_EQ(*c.rectCache.get(), *source.cacheState().rectCache.get());
 }
 
 TEST(RegionSetModel, AssignmentCopiesOrDropsTheRectangleCache) {
@@ -334,12 +329,12 @@ TEST(RegionSetModel, AssignmentCopiesOrDropsTheRectangleCache) {
     withRects.encloseRect(xcXform<2>::I);
     RegionSetProbe target(RegionHandles(), Defs::keepOutline);
     target = withRects;
-    ASSERT_NE(target.cacheState().rectCache, nullptr);
-    EXPECT_EQ(target.cacheState().rectCache->size(), 1u);
+    ASSERT_NE(target.cacheState().rectCache.get(), nullptr);
+    EXPECT_EQ(target.cacheState().rectCache.get()->size(), 1u);
 
     RegionSetProbe withoutRects(twoSquares(), Defs::keepOutline);
     target = withoutRects;
-    EXPECT_EQ(target.cacheState().rectCache, nullptr);
+    EXPECT_EQ(target.cacheState().rectCache.get(), nullptr);
 }
 
 TEST(RegionSetModel, SelfAssignmentChangesNothing) {
@@ -349,7 +344,7 @@ TEST(RegionSetModel, SelfAssignmentChangesNothing) {
     RegionSetProbe& alias = s;
     s = alias;
     EXPECT_EQ(s.regions().size(), 2u);
-    EXPECT_TRUE(s.cacheState().areaValid[1]);
+    EXPECT_TRUE(s.cacheState().area[1].valid);
     EXPECT_EQ(s.changeCount(), changes);
 }
 
@@ -361,17 +356,10 @@ TEST(RegionSetModel, CleanCacheInfoClearsEveryFlagAndZeroesTheAreas) {
     const unsigned long changes = s.changeCount();
     s.resetCaches();
     EXPECT_EQ(s.changeCount(), changes + 1);
-    const RegionSetProbe::CacheState c = s.cacheState();
-    for (int flag = 0; flag < 2; ++flag) {
-        EXPECT_FALSE(c.areaValid[flag]);
-        EXPECT_EQ(c.area[flag], 0.0);
-        EXPECT_FALSE(c.centerValid[flag]);
-        EXPECT_FALSE(c.inertiaValid[flag]);
-    }
-    EXPECT_EQ(c.rectCache, nullptr);
-    EXPECT_FALSE(c.selfIntersectingValid);
-    EXPECT_FALSE(c.regularizedValid);
-    EXPECT_FALSE(c.outerHullValid);
+    const RegionSetProbe::CacheState& c = s.cacheState();
+    expectNoMeasureCache(c);
+    EXPECT_EQ(c.rectCache.get(), nullptr);
+    EXPECT_FALSE(c.selfIntersecting.valid);
 }
 
 // ---- emptiness ----

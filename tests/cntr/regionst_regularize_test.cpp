@@ -73,9 +73,9 @@ TEST_P(RegionSetMerge, NonCrossingSetIsReturnedWithTheSameRegions) {
     EXPECT_EQ(result[1]->holes().size(), 1u);
     // A copy of the set, its caches included.
     EXPECT_EQ(out.cachedVectorSize(), 7);
-    EXPECT_TRUE(out.cacheState().areaValid[1]);
-    EXPECT_FALSE(s.cacheState().regularizedValid);
-    EXPECT_FALSE(s.cacheState().outerHullValid);
+    EXPECT_TRUE(out.cacheState().area[1].valid);
+    EXPECT_FALSE(s.cacheState().regularized.valid);
+    EXPECT_FALSE(s.cacheState().outerHull.valid);
 }
 
 TEST_P(RegionSetMerge, EmptySetGivesAnEmptySet) {
@@ -250,9 +250,9 @@ TEST_P(RegionSetMerge, ResultIsComputedOnceAndShared) {
         Defs::keepOutline);
     xcRegionSet first, second;
     apply(GetParam(), s, first);
-    const RegionSetProbe::CacheState c = s.cacheState();
-    EXPECT_EQ(GetParam() == Op::regularize ? c.regularizedValid : c.outerHullValid, true);
-    EXPECT_EQ(GetParam() == Op::regularize ? c.outerHullValid : c.regularizedValid, false);
+    const RegionSetProbe::CacheState& c = s.cacheState();
+    EXPECT_EQ(GetParam() == Op::regularize ? c.regularized.valid : c.outerHull.valid, true);
+    EXPECT_EQ(GetParam() == Op::regularize ? c.outerHull.valid : c.regularized.valid, false);
     apply(GetParam(), s, second);
     ASSERT_EQ(first.regions().size(), 1u);
     ASSERT_EQ(second.regions().size(), 1u);
@@ -322,8 +322,8 @@ TEST(RegionSetMergeFailures, RegionFailurePropagatesAndLeavesOutAndCache) {
     expectBadParams([&] { s.outerHull(out); }, L"invalid contour");
     ASSERT_EQ(out.regions().size(), 1u);
     EXPECT_EQ(out.regions()[0].rep(), kept.rep());
-    EXPECT_FALSE(s.cacheState().regularizedValid);
-    EXPECT_FALSE(s.cacheState().outerHullValid);
+    EXPECT_FALSE(s.cacheState().regularized.valid);
+    EXPECT_FALSE(s.cacheState().outerHull.valid);
 }
 
 TEST(RegionSetMergeFailures, ConstructionModeFailurePropagates) {

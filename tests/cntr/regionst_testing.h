@@ -22,7 +22,7 @@ class RegionSetProbe : public xcRegionSet {
     RegionSetProbe(const RegionSetProbe&) = default;
     RegionSetProbe& operator=(const RegionSetProbe&) = default;
 
-    using xcRegionSet::CacheState;
+    using CacheState = xn_regionSetDetail::RegionSetCaches;
     using xcRegionSet::cacheState;
     using xcRegionSet::checkEmptyRegionSet;
     using xcRegionSet::makeDataConsistentWithPoints;

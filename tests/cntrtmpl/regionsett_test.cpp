@@ -84,11 +84,11 @@ TEST(RegionSetT, AreaMeasuresThoseSameTwoRegions) {
     const xcPtrHandle<EdgeletRegionProbe> b(
         new EdgeletRegionProbe({edgelet(5, 5), edgelet(8, 5), edgelet(8, 8), edgelet(5, 8)}, 0));
     const EdgeletRegionSet s(EdgeletRegionHandles{a, b});
-    ASSERT_FALSE(a->regionCacheState().areaValid);
+    ASSERT_FALSE(a->regionCacheState().area[0].valid);
     EXPECT_DOUBLE_EQ(s.area(false), 13.0);  // 2 * 2 + 3 * 3
     // The set asked the very objects: their own area caches are filled now.
-    EXPECT_TRUE(a->regionCacheState().areaValid);
-    EXPECT_TRUE(b->regionCacheState().areaValid);
+    EXPECT_TRUE(a->regionCacheState().area[0].valid);
+    EXPECT_TRUE(b->regionCacheState().area[0].valid);
 }
 
 TEST(RegionSetT, BuiltFromMutableHandlesHoldsTheSameObjects) {

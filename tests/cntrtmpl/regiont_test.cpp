@@ -132,7 +132,7 @@ TEST(RegionT, CopyCopiesEveryPartAndSharesHandles) {
     EXPECT_EQ(copy.holes()[0].rep(), edgeletHole.rep());
     ASSERT_EQ(static_cast<const xcRegion&>(copy).holes().size(), 1u);
     EXPECT_EQ(static_cast<const xcRegion&>(copy).holes()[0].rep(), plainHole.rep());
-    EXPECT_TRUE(copy.regionCacheState().areaWithHolesValid);  // region caches come along
+    EXPECT_TRUE(copy.regionCacheState().area[1].valid);  // region caches come along
     EXPECT_TRUE(copy == source);
 }
 
@@ -182,9 +182,9 @@ TEST(RegionT, EdgeletHolesAreNotCheckedAgainstTheOutline) {
 TEST(RegionT, SettingEdgeletHolesDropsTheCaches) {
     EdgeletRegionProbe r(squareEdgelets(), 0);
     r.area(false);
-    ASSERT_TRUE(r.regionCacheState().areaValid);
+    ASSERT_TRUE(r.regionCacheState().area[0].valid);
     r.holes(EdgeletRegion::HoleHandles());
-    EXPECT_FALSE(r.regionCacheState().areaValid);
+    EXPECT_FALSE(r.regionCacheState().area[0].valid);
 }
 
 TEST(RegionT, SettingRegionHolesRebuildsTheEdgelets) {
