@@ -275,11 +275,11 @@ protected:
     /// Called after per-vertex data changed; drops the caches. Derived classes override it to
     /// rebuild the vertices from their data.
     virtual void makePointsConsistentWithData();
-    /// Drops every cached result, in this order: mutating(); delete the rectangle memo, the
-    /// extremal-vertex memo, the vertex grids and the edge index; clear the mean position, length (value 0) and
-    /// hull flags (the hull handle is kept until replaced); reset both enclosing-circle flags
-    /// (the circle vector keeps 2 entries); clear the ellipse flag (residual 0); clear the
-    /// self-intersection, segment, line and rectangle flags (the edge vectors are kept until
+    /// Drops every cached result: mutating(), then ContourCaches::reset(): delete the rectangle
+    /// memo, the extremal-vertex memo, the vertex grids and the edge index; clear the mean
+    /// position, length (value 0) and hull flags (the hull handle is kept until replaced); clear
+    /// both enclosing-circle flags (the circles are kept); clear the ellipse flag (residual 0);
+    /// clear the self-intersection and edge-table flags (the edge vectors are kept until
     /// rebuilt); clear the median flag (value 0).
     virtual void cleanCacheInfo();
 
