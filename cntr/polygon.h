@@ -146,11 +146,11 @@ class CNTR_API Polygon {
     /// its clamped projection).
     ///
     /// The first call builds the point locator, once, even when several threads ask at once;
-    /// copies share it. It lists the edges by horizontal bands and holds at most about 36 bytes
-    /// per edge (the vertices copied once, about three band entries per edge). Building it costs
-    /// O(n) beyond a pass over the vertices; a query reads the edges of one band: a few on
-    /// outlines of blobs, more where many edges share a height (spiky outlines), where the
-    /// cost grows with the number of edges crossing the point's height.
+    /// copies share it. It lists the edges by horizontal bands and holds at most about 17 bytes
+    /// per edge (at most about four band entries per edge and one band per four edges; the rings
+    /// are not copied). Building it costs two passes over the edges; a query reads the edges of one
+    /// band: a few on outlines of blobs, more where many edges share a height (spiky outlines),
+    /// where the cost grows with the number of edges crossing the point's height.
     /// Throws BadParams ("point has a non-finite coordinate", "boundary distance must be finite
     /// and not negative") for such arguments.
     Location locate(const xcVector<2>& point, double boundaryDistance = 0.0) const;

@@ -17,19 +17,21 @@ namespace cntr::core {
 /// first) read together under the even-odd rule. Built once, immutable afterwards, so any
 /// number of threads may query one locator at once.
 ///
-/// Layout. The rings' vertices are copied, each ring followed by its first vertex again, so that
-/// edge e runs from vertex e to vertex e + 1. The y extent is cut into bands of equal height;
-/// each band lists the edges whose y range meets it. The band count is chosen so that the lists
-/// hold at most about three entries per edge: as many bands as edges where the edges cover each
-/// height about twice (outlines of blobs), fewer where they cover it more often (spiky
-/// outlines). Memory: 16 bytes per vertex plus 4 bytes per list entry and per band, at most
-/// about 36 bytes per edge.
+/// Layout. Edge e numbers the edges of the rings one ring after the other, in edge order (edge
+/// k of a ring of n vertices runs from vertex k to vertex (k + 1) mod n). The y extent is cut
+/// into bands of equal height; each band lists the edges whose y range meets it. There is one
+/// band for every four edges where the edges cover each height about twice (outlines of
+/// blobs), fewer where they cover it more often (spiky outlines), so that the lists hold at
+/// most about four entries per edge. Memory beyond the rings, which it refers to: 4 bytes per
+/// list entry and per band, at most about 17 bytes per edge.
 class CNTR_API PointLocator {
   public:
-    /// Prepares `rings`. Coordinates must be finite (the caller checks). A ring without
-    /// vertices adds nothing; a ring of one vertex is a single point, which the locator counts
-    /// as boundary. Throws std::length_error when the rings hold 2^32 - 2 vertices or more.
-    explicit PointLocator(const std::vector<const std::vector<xcVector<2>>*>& rings);
+    /// Prepares `rings`, which must outlive the locator and must not change while it is used:
+    /// it refers to their vertices. Coordinates must be finite (the caller checks). A ring
+    /// without vertices adds nothing; a ring of one vertex is a single point, which the locator
+    /// counts as boundary. Throws std::length_error when the rings hold 2^32 - 1 edges or more,
+    /// or the band lists would.
+    explicit PointLocator(std::vector<const std::vector<xcVector<2>>*> rings);
 
     /// Where `p` lies: boundary when it lies on an edge (exactly; a zero-length edge is its
     /// point), else inside when a ray from it crosses the edges an odd number of times, else
@@ -42,18 +44,23 @@ class CNTR_API PointLocator {
     bool nearEdge(const xcVector<2>& p, double distance) const;
 
     /// The number of edges, of bands, and the bytes held by the tables.
-    std::size_t edgeCount() const { return edgeCount_; }
+    std::size_t edgeCount() const { return ringFirstEdge_.empty() ? 0 : ringFirstEdge_.back(); }
     std::size_t bandCount() const { return bandStart_.empty() ? 0 : bandStart_.size() - 1; }
     std::size_t memoryBytes() const;
 
   private:
-    std::size_t bandOf(double y) const;
+    struct EdgeEnds {
+        const xcVector<2>& start;
+        const xcVector<2>& end;
+    };
+    EdgeEnds edgeEnds(std::uint32_t edge) const;
 
-    std::vector<xcVector<2>> vertices_;
+    /// The rings with vertices, and the number of each one's first edge (then the edge count).
+    std::vector<const std::vector<xcVector<2>>*> rings_;
+    std::vector<std::uint32_t> ringFirstEdge_;
     /// The edges of band b: bandEdges_[bandStart_[b]] up to bandEdges_[bandStart_[b + 1]].
     std::vector<std::uint32_t> bandStart_;
     std::vector<std::uint32_t> bandEdges_;
-    std::size_t edgeCount_ = 0;
     double minX_ = 0.0, minY_ = 0.0, maxX_ = 0.0, maxY_ = 0.0;
     /// Bands per unit of height.
     double bandScale_ = 0.0;
