@@ -1,4 +1,5 @@
 // Area, centre of mass and inertia of a region, with and without its holes.
+#include <cntr/core/moments.h>
 #include <cntr/moments.h>
 #include <cntr/region.h>
 #include <cntr/region_detail.h>
@@ -9,7 +10,7 @@ double xcRegion::area(bool considerHoles) const {
     checkEmptyContour();
     if (!considerHoles) {
         if (!caches_.area.valid) {
-            caches_.area.value = xf_Area(points());
+            caches_.area.value = cntr::core::polygonArea(points());
             caches_.area.valid = true;
         }
         return caches_.area.value;
@@ -28,7 +29,7 @@ xcVector<2> xcRegion::centerOfMass(bool considerHoles) {
     checkEmptyContour();
     if (!considerHoles || holes_.empty()) {
         if (!caches_.centerOfMass.valid) {
-            caches_.centerOfMass.value = xf_CenterOfMass(points());
+            caches_.centerOfMass.value = cntr::core::polygonCentroid(points());
             caches_.centerOfMass.valid = true;
         }
         return caches_.centerOfMass.value;

@@ -16,6 +16,7 @@
 #include <cntr/core/extent.h>
 #include <cntr/core/length.h>
 #include <cntr/core/loops.h>
+#include <cntr/core/moments.h>
 #include <cntr/core/nearest.h>
 #include <cntr/core/prepared_outline.h>
 #include <cntr/core/reference.h>
@@ -111,6 +112,10 @@ std::vector<std::uint64_t> workload(const SharedShape& s, const Queries& q) {
     record(out,
            enclosingRect(outline, xcXform<2>(xcMatrix<2>(0.5, 1, -1, 2), xcVector<2>(3, 4))).lr());
     record(out, referenceLength(outline));
+    record(out, polygonArea(s.points));
+    record(out, referenceArea(s.points));
+    record(out, polygonCentroid(s.points));
+    record(out, referenceCentroid(s.points));
     record(out, furthestPairCircle(outline).center());
     record(out, fromFirstVertexCircle(outline).radius());
     record(out, medianEdgeLength(s.table));
