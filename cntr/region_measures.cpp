@@ -1,6 +1,6 @@
 // Area, centre of mass and inertia of a region, with and without its holes.
+#include <cntr/core/inertia.h>
 #include <cntr/core/moments.h>
-#include <cntr/moments.h>
 #include <cntr/region.h>
 #include <cntr/region_detail.h>
 
@@ -54,7 +54,7 @@ xcMatrix<2> xcRegion::inertiaMatrix(bool considerHoles) {
     if (considerHoles && !holes_.empty())
         throw xcContourDefs::BadParams(L"inertiaMatrix(considerHoles) is not implemented");
     if (!caches_.inertia.valid) {
-        caches_.inertia.value = xf_InertiaDataPolygon(points()).inertiaMatrix();
+        caches_.inertia.value = cntr::core::polygonInertia(points()).moments;
         caches_.inertia.valid = true;
     }
     return caches_.inertia.value;

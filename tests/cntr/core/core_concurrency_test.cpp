@@ -14,6 +14,7 @@
 #include <cntr/core/containment.h>
 #include <cntr/core/edge_index.h>
 #include <cntr/core/extent.h>
+#include <cntr/core/inertia.h>
 #include <cntr/core/length.h>
 #include <cntr/core/loops.h>
 #include <cntr/core/moments.h>
@@ -73,6 +74,13 @@ void record(std::vector<std::uint64_t>& out, const xcVector<2>& v) {
     record(out, v.x());
     record(out, v.y());
 }
+void record(std::vector<std::uint64_t>& out, const InertiaRecord& r) {
+    record(out, r.area);
+    record(out, r.centre);
+    for (int i = 0; i < 2; ++i)
+        for (int j = 0; j < 2; ++j)
+            record(out, r.moments.element(i, j));
+}
 void record(std::vector<std::uint64_t>& out, const std::vector<SegmentHit>& hits) {
     out.push_back(hits.size());
     for (const SegmentHit& h : hits) {
@@ -116,6 +124,10 @@ std::vector<std::uint64_t> workload(const SharedShape& s, const Queries& q) {
     record(out, referenceArea(s.points));
     record(out, polygonCentroid(s.points));
     record(out, referenceCentroid(s.points));
+    const InertiaRecord inertia = polygonInertia(s.points);
+    record(out, inertia);
+    record(out, combinedInertia(inertia, InertiaRecord{-1.0, xcVector<2>(40, 60),
+                                                       xcMatrix<2>(0.5, 0.1, 0.1, 0.25)}));
     record(out, furthestPairCircle(outline).center());
     record(out, fromFirstVertexCircle(outline).radius());
     record(out, medianEdgeLength(s.table));
