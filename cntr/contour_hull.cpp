@@ -1,6 +1,6 @@
 // The contour's convex hull (as a region) and fitted ellipse, both cached.
 #include <cntr/contour.h>
-#include <cntr/moments.h>
+#include <cntr/core/ellipse.h>
 #include <cntr/region.h>
 #include <foundation/hull.h>
 
@@ -22,11 +22,9 @@ void xcContour::convexHull(xcRegion& hull) const {
 void xcContour::fitEllipse(xcEllipse& ellipse, double& rms) const {
     checkEmptyContour();
     if (!caches_.fittedEllipse.valid) {
-        xcEllipse fitted;
-        double residual = 0.0;
-        xf_FitEllipse(points_, fitted, residual);
-        caches_.fittedEllipse.value = fitted;
-        caches_.fitResidual = residual;
+        const cntr::core::EllipseFit fit = cntr::core::fitEllipse(points_);
+        caches_.fittedEllipse.value = fit.ellipse;
+        caches_.fitResidual = fit.rms;
         caches_.fittedEllipse.valid = true;
     }
     ellipse = caches_.fittedEllipse.value;

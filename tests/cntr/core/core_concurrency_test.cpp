@@ -13,6 +13,7 @@
 #include <cntr/core/circles.h>
 #include <cntr/core/containment.h>
 #include <cntr/core/edge_index.h>
+#include <cntr/core/ellipse.h>
 #include <cntr/core/extent.h>
 #include <cntr/core/inertia.h>
 #include <cntr/core/length.h>
@@ -22,6 +23,7 @@
 #include <cntr/core/prepared_outline.h>
 #include <cntr/core/reference.h>
 #include <cntr/core/segment_hits.h>
+#include <cntr/core/statistics.h>
 #include <cntr/core/walk.h>
 #include <foundation/random.h>
 
@@ -81,6 +83,12 @@ void record(std::vector<std::uint64_t>& out, const InertiaRecord& r) {
         for (int j = 0; j < 2; ++j)
             record(out, r.moments.element(i, j));
 }
+void record(std::vector<std::uint64_t>& out, const xcEllipse& e) {
+    record(out, e.center().vector());
+    record(out, e.r1());
+    record(out, e.r2());
+    record(out, e.rotation().toDouble());
+}
 void record(std::vector<std::uint64_t>& out, const std::vector<SegmentHit>& hits) {
     out.push_back(hits.size());
     for (const SegmentHit& h : hits) {
@@ -126,6 +134,14 @@ std::vector<std::uint64_t> workload(const SharedShape& s, const Queries& q) {
     record(out, referenceCentroid(s.points));
     const InertiaRecord inertia = polygonInertia(s.points);
     record(out, inertia);
+    record(out, ellipseOfMoments(inertia.centre, inertia.moments));
+    const EllipseFit fit = fitEllipse(s.points);
+    record(out, fit.ellipse);
+    record(out, fit.rms);
+    std::vector<double> xs;
+    for (const xcVector<2>& p : s.points)
+        xs.push_back(p.x());
+    record(out, standardDeviation(xs));
     record(out, combinedInertia(inertia, InertiaRecord{-1.0, xcVector<2>(40, 60),
                                                        xcMatrix<2>(0.5, 0.1, 0.1, 0.25)}));
     record(out, furthestPairCircle(outline).center());
