@@ -1,16 +1,14 @@
 // The contour's convex hull (as a region) and fitted ellipse, both cached.
 #include <cntr/contour.h>
 #include <cntr/core/ellipse.h>
+#include <cntr/core/hull.h>
 #include <cntr/region.h>
-#include <foundation/hull.h>
 
 void xcContour::convexHull(xcRegion& hull) const {
     checkEmptyContour();
     if (!caches_.convexHull.valid) {
-        std::vector<xcVector<2>> hullPoints;
-        xfConvexHull(points_, hullPoints);
-        caches_.convexHull.value =
-            xcPtrHandle_const<xcRegion>(new xcRegion(hullPoints, xcContourDefs::keepOutline));
+        caches_.convexHull.value = xcPtrHandle_const<xcRegion>(
+            new xcRegion(cntr::core::convexHull(points_), xcContourDefs::keepOutline));
         caches_.convexHull.valid = true;
     }
     // Held during the assignment: when `hull` is this contour (a region asked for its own hull),

@@ -15,6 +15,7 @@
 #include <cntr/core/edge_index.h>
 #include <cntr/core/ellipse.h>
 #include <cntr/core/extent.h>
+#include <cntr/core/hull.h>
 #include <cntr/core/inertia.h>
 #include <cntr/core/length.h>
 #include <cntr/core/loops.h>
@@ -142,6 +143,8 @@ std::vector<std::uint64_t> workload(const SharedShape& s, const Queries& q) {
     for (const xcVector<2>& p : s.points)
         xs.push_back(p.x());
     record(out, standardDeviation(xs));
+    for (const xcVector<2>& v : convexHull(s.points))
+        record(out, v);
     record(out, combinedInertia(inertia, InertiaRecord{-1.0, xcVector<2>(40, 60),
                                                        xcMatrix<2>(0.5, 0.1, 0.1, 0.25)}));
     record(out, furthestPairCircle(outline).center());
