@@ -10,6 +10,8 @@
 
 namespace {
 
+/// The core's record of the same numbers, and back: both hold the full matrix, so a record
+/// passed through unchanged (a neutral operand of operator+) keeps every bit.
 cntr::core::InertiaRecord recordOf(const xc_InertiaData& data) {
     return {data.area(), data.centerOfMass(), data.inertiaMatrix()};
 }

@@ -63,6 +63,15 @@ TEST(CoreEllipse, AZeroPrincipalMomentThrowsSingular) {
 
 // ---- the fit ----
 
+// Expects a fit through every point: the given centre and semi-axes, rms 0.
+void expectExactFit(const EllipseFit& fit, double cx, double cy, double r1, double r2) {
+    EXPECT_NEAR(fit.ellipse.center().x(), cx, kTol);
+    EXPECT_NEAR(fit.ellipse.center().y(), cy, kTol);
+    EXPECT_NEAR(fit.ellipse.r1(), r1, kTol);
+    EXPECT_NEAR(fit.ellipse.r2(), r2, kTol);
+    EXPECT_NEAR(fit.rms, 0.0, kTol);
+}
+
 TEST(CoreEllipse, PointsOnAnEllipseGiveThatEllipse) {
     // 12 points on the ellipse with centre (1, 2), semi-axes 3 along x and 1 along y.
     Points p;
@@ -70,23 +79,13 @@ TEST(CoreEllipse, PointsOnAnEllipseGiveThatEllipse) {
         const double t = 2.0 * xcPi * i / 12.0;
         p.emplace_back(1.0 + 3.0 * std::cos(t), 2.0 + std::sin(t));
     }
-    const EllipseFit fit = fitEllipse(p);
-    EXPECT_NEAR(fit.ellipse.center().x(), 1.0, kTol);
-    EXPECT_NEAR(fit.ellipse.center().y(), 2.0, kTol);
-    EXPECT_NEAR(fit.ellipse.r1(), 3.0, kTol);
-    EXPECT_NEAR(fit.ellipse.r2(), 1.0, kTol);
-    EXPECT_NEAR(fit.rms, 0.0, kTol);
+    expectExactFit(fitEllipse(p), 1.0, 2.0, 3.0, 1.0);
 }
 
 TEST(CoreEllipse, ThreePointsFallBackToTheirCircumcircle) {
     // Too few for an ellipse. The right triangle (0,0), (4,0), (0,3) has its circumcentre at the
     // hypotenuse's midpoint (2, 1.5) and radius half the hypotenuse, 5 / 2.
-    const EllipseFit fit = fitEllipse(Points{{0, 0}, {4, 0}, {0, 3}});
-    EXPECT_NEAR(fit.ellipse.center().x(), 2.0, kTol);
-    EXPECT_NEAR(fit.ellipse.center().y(), 1.5, kTol);
-    EXPECT_NEAR(fit.ellipse.r1(), 2.5, kTol);
-    EXPECT_NEAR(fit.ellipse.r2(), 2.5, kTol);
-    EXPECT_NEAR(fit.rms, 0.0, kTol);
+    expectExactFit(fitEllipse(Points{{0, 0}, {4, 0}, {0, 3}}), 2.0, 1.5, 2.5, 2.5);
 }
 
 TEST(CoreEllipse, NoFitGivesTheDefaultEllipseAndRmsMinusOne) {
