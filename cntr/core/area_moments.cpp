@@ -6,6 +6,10 @@
 #include <cmath>
 #include <cstddef>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace cntr::core {
 
 RawMoments& RawMoments::operator+=(const RawMoments& other) {
@@ -37,43 +41,79 @@ RawMoments RawMoments::operator-() const {
     return negated;
 }
 
+namespace {
+
+// Two lanes, (x, y) or (y, x): the sums of the moments m10 and m01, m20 and m02, m30 and m03,
+// m21 and m12 follow one formula with x and y exchanged, so each pair is computed by the same
+// lane-wise operations: one vector instruction each with SSE2, two scalar ones without, with
+// the same roundings either way.
+#if defined(__SSE2__)
+struct Lanes {
+    __m128d value;
+    Lanes(double u, double v) : value(_mm_set_pd(v, u)) {}
+    explicit Lanes(__m128d w) : value(w) {}
+    double u() const { return _mm_cvtsd_f64(value); }
+    double v() const { return _mm_cvtsd_f64(_mm_unpackhi_pd(value, value)); }
+};
+inline Lanes operator+(Lanes a, Lanes b) { return Lanes(_mm_add_pd(a.value, b.value)); }
+inline Lanes operator*(Lanes a, Lanes b) { return Lanes(_mm_mul_pd(a.value, b.value)); }
+inline Lanes operator*(double s, Lanes a) { return Lanes(_mm_mul_pd(_mm_set1_pd(s), a.value)); }
+inline Lanes swapped(Lanes a) { return Lanes(_mm_shuffle_pd(a.value, a.value, 1)); }
+#else
+struct Lanes {
+    double first, second;
+    Lanes(double u, double v) : first(u), second(v) {}
+    double u() const { return first; }
+    double v() const { return second; }
+};
+inline Lanes operator+(Lanes a, Lanes b) { return {a.first + b.first, a.second + b.second}; }
+inline Lanes operator*(Lanes a, Lanes b) { return {a.first * b.first, a.second * b.second}; }
+inline Lanes operator*(double s, Lanes a) { return {s * a.first, s * a.second}; }
+inline Lanes swapped(Lanes a) { return {a.second, a.first}; }
+#endif
+
+}  // namespace
+
 RawMoments ringMoments(const std::vector<xcVector<2>>& ring, const xcVector<2>& origin) {
     RawMoments sums;
     const std::size_t n = ring.size();
     if (n < 3)
         return sums;
-    double x0 = ring[n - 1].x() - origin.x();
-    double y0 = ring[n - 1].y() - origin.y();
+    const Lanes o(origin.x(), origin.y());
+    auto local = [&o](const xcVector<2>& p) { return Lanes(p.x(), p.y()) + -1.0 * o; };
+    Lanes p0 = local(ring[n - 1]);
+    Lanes squares0 = p0 * p0;
+    double m00 = 0.0, m11 = 0.0;
+    Lanes first(0.0, 0.0), second(0.0, 0.0), third(0.0, 0.0), mixed(0.0, 0.0);
     for (std::size_t k = 0; k < n; ++k) {
-        const double x1 = ring[k].x() - origin.x();
-        const double y1 = ring[k].y() - origin.y();
-        const double a = x0 * y1 - x1 * y0;
-        const double xx0 = x0 * x0, xx1 = x1 * x1, yy0 = y0 * y0, yy1 = y1 * y1;
-        const double xSum = x0 + x1, ySum = y0 + y1;
-        sums.m00 += a;
-        sums.m10 += a * xSum;
-        sums.m01 += a * ySum;
-        sums.m20 += a * (xx0 + x0 * x1 + xx1);
-        sums.m11 += a * (x0 * (y0 + ySum) + x1 * (y1 + ySum));
-        sums.m02 += a * (yy0 + y0 * y1 + yy1);
-        sums.m30 += a * xSum * (xx0 + xx1);
-        sums.m21 += a * (xx0 * (3.0 * y0 + y1) + 2.0 * x0 * x1 * ySum + xx1 * (y0 + 3.0 * y1));
-        sums.m12 += a * (yy0 * (3.0 * x0 + x1) + 2.0 * y0 * y1 * xSum + yy1 * (x0 + 3.0 * x1));
-        sums.m03 += a * ySum * (yy0 + yy1);
-        x0 = x1;
-        y0 = y1;
+        const Lanes p1 = local(ring[k]);
+        const Lanes squares1 = p1 * p1;
+        const Lanes q0 = swapped(p0), q1 = swapped(p1);
+        const double a = p0.u() * p1.v() - p1.u() * p0.v();
+        const Lanes sum = p0 + p1;      // (x0 + x1, y0 + y1)
+        const Lanes product = p0 * p1;  // (x0 x1, y0 y1)
+        const Lanes along = a * sum;
+        first = first + along;                                      // m10, m01
+        second = second + a * (squares0 + product + squares1);      // m20, m02
+        third = third + along * (squares0 + squares1);              // m30, m03
+        mixed = mixed + a * (squares0 * (3.0 * q0 + q1) + 2.0 * product * swapped(sum) +
+                             squares1 * (q0 + 3.0 * q1));           // m21, m12
+        m00 += a;
+        m11 += a * (p0.u() * (p0.v() + sum.v()) + p1.u() * (p1.v() + sum.v()));
+        p0 = p1;
+        squares0 = squares1;
     }
     // The closed forms carry these common denominators.
-    sums.m00 /= 2.0;
-    sums.m10 /= 6.0;
-    sums.m01 /= 6.0;
-    sums.m20 /= 12.0;
-    sums.m11 /= 24.0;
-    sums.m02 /= 12.0;
-    sums.m30 /= 20.0;
-    sums.m21 /= 60.0;
-    sums.m12 /= 60.0;
-    sums.m03 /= 20.0;
+    sums.m00 = m00 / 2.0;
+    sums.m10 = first.u() / 6.0;
+    sums.m01 = first.v() / 6.0;
+    sums.m20 = second.u() / 12.0;
+    sums.m11 = m11 / 24.0;
+    sums.m02 = second.v() / 12.0;
+    sums.m30 = third.u() / 20.0;
+    sums.m21 = mixed.u() / 60.0;
+    sums.m12 = mixed.v() / 60.0;
+    sums.m03 = third.v() / 20.0;
     return sums;
 }
 
