@@ -1,8 +1,7 @@
 // Measures of one outline, ours against the peers' nearest equivalents: area, centroid and
 // inertia (OpenCV moments and contourArea, Boost.Geometry area and centroid), the polygon's true
-// moments (OpenCV moments), length (OpenCV
-// arcLength), convex hull (OpenCV convexHull), ellipse fit (OpenCV fitEllipseDirect) and
-// enclosing circle (OpenCV minEnclosingCircle).
+// moments (OpenCV moments), length (OpenCV arcLength), convex hull (OpenCV convexHull), ellipse
+// fit (OpenCV fitEllipseDirect) and enclosing circle (OpenCV minEnclosingCircle).
 //
 // Our contour queries are timed on their first call: each iteration first drops the contour's
 // caches (isClosed(true), which keeps the vertices), so nothing computed earlier is reused. The
