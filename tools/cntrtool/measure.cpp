@@ -360,10 +360,6 @@ std::string cellOf(const std::optional<T>& v, int digits, F&& part) {
     return v ? formatNumber(part(*v), digits) : kNotAvailable;
 }
 
-std::string kindCell(const Measures& m) {
-    return std::string(m.edgelet ? "edgelet-" : "") + kindName(m.kind);
-}
-
 std::string fitCell(const Measures& m) {
     if (!m.fittedEllipse)
         return kNotAvailable;
@@ -383,7 +379,7 @@ std::vector<std::string> tableRow(const Measures& m, int digits) {
     };
     const std::optional<EllipseValue>& fit = m.fittedEllipse;
     return {std::to_string(m.index),
-            kindCell(m),
+            kindCell(m.kind, m.edgelet),
             std::to_string(m.label),
             std::to_string(m.vertices),
             std::to_string(m.holes),
@@ -514,23 +510,12 @@ void printMeasureTable(std::ostream& out, const std::vector<Measures>& rows, int
     cells.push_back(kTableHeader);
     for (const Measures& m : rows)
         cells.push_back(tableRow(m, digits));
-    std::vector<std::size_t> width(kTableHeader.size(), 0);
-    for (const auto& row : cells)
-        for (std::size_t c = 0; c < row.size(); ++c)
-            width[c] = std::max(width[c], row[c].size());
     constexpr std::size_t kKindColumn = 1;  // text, aligned left; numbers align right
-    for (const auto& row : cells) {
-        std::string line;
-        for (std::size_t c = 0; c < row.size(); ++c) {
-            const std::string fill(width[c] - row[c].size(), ' ');
-            if (c > 0)
-                line += "  ";
-            line += c == kKindColumn ? row[c] + fill : fill + row[c];
-        }
-        while (!line.empty() && line.back() == ' ')
-            line.pop_back();
-        out << line << '\n';
-    }
+    TableLayout layout(kTableHeader.size(), {kKindColumn});
+    for (const auto& row : cells)
+        layout.fit(row);
+    for (const auto& row : cells)
+        out << layout.line(row) << '\n';
 }
 
 Json measureReport(const std::string& path, const std::vector<Measures>& rows, int digits) {

@@ -98,6 +98,10 @@ const char* kindName(ShapeKind kind) {
     return "?";
 }
 
+std::string kindCell(ShapeKind kind, bool edgelet) {
+    return std::string(edgelet ? "edgelet-" : "") + kindName(kind);
+}
+
 unsigned long labelOf(const Shape& shape) {
     switch (shape.kind) {
         case ShapeKind::contour:

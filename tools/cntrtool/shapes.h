@@ -23,6 +23,8 @@ enum class ShapeKind { contour, region, regionSet };
 
 /// "contour", "region" or "regionset": the spelling of the JSON files and of every report.
 const char* kindName(ShapeKind kind);
+/// The kind as tables show it: kindName, with "edgelet-" before it for the edgelet classes.
+std::string kindCell(ShapeKind kind, bool edgelet);
 
 /// Holes given to a region that the library refused because they cross its outline. The region
 /// is kept without them; they are kept here so that nothing of the input is lost from reports
