@@ -12,9 +12,11 @@
 #include "errors.h"
 #include "input.h"
 #include "json_text.h"
+#include "locate.h"
 #include "measure.h"
 #include "output.h"
 #include "output_formats.h"
+#include "points.h"
 #include "render.h"
 #include "repair.h"
 
@@ -145,6 +147,24 @@ int unpackCommand(const Context& c) {
     return kExitOk;
 }
 
+int locateCommand(const Context& c) {
+    const std::vector<xcVector<2>> points = loadPointsFile(c.options.points, c.options.maxInput);
+    Progress progress(c.err, "located", c.file.shapes.size(), c.errIsTerminal);
+    std::vector<ShapeLocations> rows;
+    rows.reserve(c.file.shapes.size());
+    for (const Shape& s : c.file.shapes) {
+        rows.push_back(locateShape(s, points, c.options.boundaryDistance));
+        progress.step();
+    }
+    progress.finish();
+    if (c.options.json)
+        c.out << prettyJson(locationReport(c.file.path, c.options.points,
+                                           c.options.boundaryDistance, points, rows));
+    else
+        printLocationTable(c.out, points, rows, kTableDigits);
+    return kExitOk;
+}
+
 int runCommand(const Options& options, std::ostream& out, std::ostream& err,
                bool errIsTerminal) {
     switch (options.command) {
@@ -176,6 +196,8 @@ int runCommand(const Options& options, std::ostream& out, std::ostream& err,
             return packCommand(c);
         case Command::unpack:
             return unpackCommand(c);
+        case Command::locate:
+            return locateCommand(c);
         default:
             return kExitOk;
     }
