@@ -57,8 +57,7 @@ TEST(Locate, BoundaryDistanceWidensTheOutlines) {
     const Points points = {{1, 1}, {5, 5}, {3, 5}, {-0.5, 5}};
     EXPECT_EQ(*locateIn(kSquareWithIsland, points, 0.5).locations,
               (Locations{kIn, kIn, kOut, kOn}));
-    EXPECT_EQ(*locateIn(kSquareWithIsland, points, 1.0).locations,
-              (Locations{kOn, kOn, kOn, kOn}));
+    EXPECT_EQ(*locateIn(kSquareWithIsland, points, 1.0).locations, (Locations{kOn, kOn, kOn, kOn}));
     EXPECT_EQ(*locateIn(kSquareWithIsland, points, 0.25).locations,
               (Locations{kIn, kIn, kOut, kOut}));
 }
@@ -71,11 +70,12 @@ TEST(Locate, ClosedContourBoundsItsPolygonAndAnOpenOneNothing) {
     EXPECT_EQ(*closed.locations, (Locations{kIn, kOn, kOut, kOn}));
     // Given with its closing vertex repeated, the same triangle.
     EXPECT_EQ(*locateIn(R"({"kind": "contour", "closed": true,
-                            "points": [[0, 0], [4, 0], [0, 4], [0, 0]]})", points)
+                            "points": [[0, 0], [4, 0], [0, 4], [0, 0]]})",
+                        points)
                    .locations,
               (Locations{kIn, kOn, kOut, kOn}));
-    const ShapeLocations open = locateIn(
-        R"({"kind": "contour", "label": 2, "points": [[0, 0], [4, 0], [0, 4]]})", points);
+    const ShapeLocations open =
+        locateIn(R"({"kind": "contour", "label": 2, "points": [[0, 0], [4, 0], [0, 4]]})", points);
     EXPECT_FALSE(open.locations);
     EXPECT_EQ(open.unavailable, "an open contour bounds no area");
     EXPECT_EQ(open.label, 2ul);

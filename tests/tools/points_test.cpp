@@ -16,7 +16,9 @@ namespace {
 
 using Points = std::vector<xcVector<2>>;
 
-Points csv(const std::string& text) { return readPointsCsv("p.csv", text); }
+Points csv(const std::string& text) {
+    return readPointsCsv("p.csv", text);
+}
 
 std::string csvError(const std::string& text) {
     return inputErrorOf([&] { csv(text); });
@@ -61,9 +63,9 @@ TEST(PointsCsv, MalformedLinesAreNamed) {
     EXPECT_EQ(csvError("1,.\n"), "p.csv: line 1: expected x,y (two numbers), not \"1,.\"");
     EXPECT_EQ(csvError("x,z\n"), "p.csv: line 1: expected x,y (two numbers), not \"x,z\"");
     // Long lines are cut, control bytes shown as '?'.
-    EXPECT_EQ(csvError(std::string("a\x01") + std::string(50, 'b') + "\n"),
-              "p.csv: line 1: expected x,y (two numbers), not \"a?" + std::string(38, 'b') +
-                  "...\"");
+    EXPECT_EQ(
+        csvError(std::string("a\x01") + std::string(50, 'b') + "\n"),
+        "p.csv: line 1: expected x,y (two numbers), not \"a?" + std::string(38, 'b') + "...\"");
 }
 
 TEST(PointsCsv, NonFiniteCoordinatesAreRefusedByPoint) {
@@ -114,8 +116,9 @@ TEST(LoadPointsFile, Refusals) {
     EXPECT_EQ(inputErrorOf([&] { loadPointsFile(missing); }),
               missing + ": cannot open: No such file or directory");
     const std::string malformed = dir.write("m.json", "[[1, 2],");
-    EXPECT_EQ(inputErrorOf([&] { loadPointsFile(malformed); }).rfind(malformed + ": malformed JSON: ", 0),
-              0u);
+    EXPECT_EQ(
+        inputErrorOf([&] { loadPointsFile(malformed); }).rfind(malformed + ": malformed JSON: ", 0),
+        0u);
     const std::string big = dir.write("big.csv", "1,2\n3,4\n");
     EXPECT_EQ(inputErrorOf([&] { loadPointsFile(big, 4); }),
               big + ": too large: 8 bytes; the input limit is 4 bytes (see --max-input)");

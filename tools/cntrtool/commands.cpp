@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <new>
+#include <utility>
 
 #include <cntr/version.h>
 #include <foundation/exception.h>
@@ -43,15 +44,22 @@ struct Context {
     }
 };
 
-int measureCommand(const Context& c) {
-    Progress progress(c.err, "measured", c.file.shapes.size(), c.errIsTerminal);
-    std::vector<Measures> rows;
+// `report` of every shape, in order, with progress named by `verb`.
+template <class Report>
+auto reportOfEachShape(const Context& c, const char* verb, Report&& report) {
+    Progress progress(c.err, verb, c.file.shapes.size(), c.errIsTerminal);
+    std::vector<decltype(report(std::declval<const Shape&>()))> rows;
     rows.reserve(c.file.shapes.size());
     for (const Shape& s : c.file.shapes) {
-        rows.push_back(measureShape(s));
+        rows.push_back(report(s));
         progress.step();
     }
     progress.finish();
+    return rows;
+}
+
+int measureCommand(const Context& c) {
+    const std::vector<Measures> rows = reportOfEachShape(c, "measured", measureShape);
     if (c.options.json)
         c.out << prettyJson(measureReport(c.file.path, rows, c.options.digits));
     else
@@ -149,14 +157,9 @@ int unpackCommand(const Context& c) {
 
 int locateCommand(const Context& c) {
     const std::vector<xcVector<2>> points = loadPointsFile(c.options.points, c.options.maxInput);
-    Progress progress(c.err, "located", c.file.shapes.size(), c.errIsTerminal);
-    std::vector<ShapeLocations> rows;
-    rows.reserve(c.file.shapes.size());
-    for (const Shape& s : c.file.shapes) {
-        rows.push_back(locateShape(s, points, c.options.boundaryDistance));
-        progress.step();
-    }
-    progress.finish();
+    const std::vector<ShapeLocations> rows = reportOfEachShape(c, "located", [&](const Shape& s) {
+        return locateShape(s, points, c.options.boundaryDistance);
+    });
     if (c.options.json)
         c.out << prettyJson(locationReport(c.file.path, c.options.points,
                                            c.options.boundaryDistance, points, rows));

@@ -57,10 +57,7 @@ std::optional<cntr::MultiPolygon> multiPolygonOf(const Shape& shape) {
 ShapeLocations locateShape(const Shape& shape, const std::vector<xcVector<2>>& points,
                            double boundaryDistance) {
     ShapeLocations s;
-    s.index = shape.index;
-    s.kind = shape.kind;
-    s.edgelet = shape.edgelet;
-    s.label = labelOf(shape);
+    static_cast<ShapeHeading&>(s) = ShapeHeading::of(shape);
     if (const std::optional<cntr::MultiPolygon> area = multiPolygonOf(shape))
         s.locations = area->locate(points, boundaryDistance);
     else
@@ -70,9 +67,8 @@ ShapeLocations locateShape(const Shape& shape, const std::vector<xcVector<2>>& p
 
 void printLocationTable(std::ostream& out, const std::vector<xcVector<2>>& points,
                         const std::vector<ShapeLocations>& rows, int digits) {
-    const std::vector<std::string> header = {"shape", "kind",     "label",
-                                             "point", "x",        "y",
-                                             "location"};
+    const std::vector<std::string> header = {"shape", "kind", "label",   "point",
+                                             "x",     "y",    "location"};
     constexpr std::size_t kKindColumn = 1, kLocationColumn = 6;
     TableLayout layout(header.size(), {kKindColumn, kLocationColumn});
     layout.fit(header);
@@ -80,8 +76,7 @@ void printLocationTable(std::ostream& out, const std::vector<xcVector<2>>& point
     // every point.
     std::vector<std::vector<std::string>> shapeCells, pointCells;
     for (const ShapeLocations& s : rows)
-        shapeCells.push_back({std::to_string(s.index), kindCell(s.kind, s.edgelet),
-                              std::to_string(s.label)});
+        shapeCells.push_back(s.cells());
     for (std::size_t k = 0; k < points.size(); ++k)
         pointCells.push_back({std::to_string(k), formatNumber(points[k].x(), digits),
                               formatNumber(points[k].y(), digits)});
@@ -105,18 +100,15 @@ void printLocationTable(std::ostream& out, const std::vector<xcVector<2>>& point
         }
 }
 
-Json locationReport(const std::string& path, const std::string& pointsPath,
-                    double boundaryDistance, const std::vector<xcVector<2>>& points,
+Json locationReport(const std::string& path, const std::string& pointsPath, double boundaryDistance,
+                    const std::vector<xcVector<2>>& points,
                     const std::vector<ShapeLocations>& rows) {
     Json pointList = Json::array();
     for (const xcVector<2>& p : points)
         pointList.push_back(Json::array({p.x(), p.y()}));
     Json shapes = Json::array();
     for (const ShapeLocations& s : rows) {
-        Json j = {{"index", s.index},
-                  {"kind", kindName(s.kind)},
-                  {"edgelet", s.edgelet},
-                  {"label", s.label}};
+        Json j = s.json();
         if (s.locations) {
             Json names = Json::array();
             for (const cntr::Location location : *s.locations)

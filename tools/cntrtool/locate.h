@@ -26,11 +26,7 @@ const char* locationName(cntr::Location location);
 std::optional<cntr::MultiPolygon> multiPolygonOf(const Shape& shape);
 
 /// The answers for one shape.
-struct ShapeLocations {
-    std::size_t index = 0;
-    ShapeKind kind = ShapeKind::contour;
-    bool edgelet = false;
-    unsigned long label = 0;
+struct ShapeLocations : ShapeHeading {
     /// One per point, in order; empty when the shape bounds no area.
     std::optional<std::vector<cntr::Location>> locations;
     /// Why `locations` is empty.
@@ -54,8 +50,8 @@ void printLocationTable(std::ostream& out, const std::vector<xcVector<2>>& point
 /// The JSON report: {"file", "points_file", "boundary_distance", "points": [[x, y], ...],
 /// "shapes": [{"index", "kind", "edgelet", "label", "locations": [...]}, ...]}; a shape that
 /// bounds no area has "locations": null and its reason under "unavailable".
-Json locationReport(const std::string& path, const std::string& pointsPath,
-                    double boundaryDistance, const std::vector<xcVector<2>>& points,
+Json locationReport(const std::string& path, const std::string& pointsPath, double boundaryDistance,
+                    const std::vector<xcVector<2>>& points,
                     const std::vector<ShapeLocations>& rows);
 
 }  // namespace cntrtool

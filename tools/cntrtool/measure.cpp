@@ -378,9 +378,8 @@ std::vector<std::string> tableRow(const Measures& m, int digits) {
         return [r, c](const xcMatrix<2>& mat) { return mat.element(r, c); };
     };
     const std::optional<EllipseValue>& fit = m.fittedEllipse;
-    return {std::to_string(m.index),
-            kindCell(m.kind, m.edgelet),
-            std::to_string(m.label),
+    std::vector<std::string> row = m.cells();
+    row.insert(row.end(), {
             std::to_string(m.vertices),
             std::to_string(m.holes),
             cell(m.length, digits),
@@ -403,7 +402,8 @@ std::vector<std::string> tableRow(const Measures& m, int digits) {
             cell(m.fitRms, digits),
             cell(m.hullArea, digits),
             cell(m.diameter, digits),
-            m.selfIntersecting ? (*m.selfIntersecting ? "yes" : "no") : kNotAvailable};
+            m.selfIntersecting ? (*m.selfIntersecting ? "yes" : "no") : kNotAvailable});
+    return row;
 }
 
 const std::vector<std::string> kTableHeader = {
@@ -420,8 +420,9 @@ class ShapeJson {
     ShapeJson(const Measures& m, int digits) : m_(m), digits_(digits) {}
 
     Json report() const {
-        Json j = {{"index", m_.index},     {"kind", kindName(m_.kind)}, {"edgelet", m_.edgelet},
-                  {"label", m_.label},     {"vertices", m_.vertices},   {"holes", m_.holes}};
+        Json j = m_.json();
+        j["vertices"] = m_.vertices;
+        j["holes"] = m_.holes;
         j["length"] = field("length", m_.length);
         j["area"] = field("area", m_.area);
         j["area_without_holes"] = field("area_without_holes", m_.areaWithoutHoles);
@@ -483,10 +484,7 @@ class ShapeJson {
 
 Measures measureShape(const Shape& shape) {
     Measures m;
-    m.index = shape.index;
-    m.kind = shape.kind;
-    m.edgelet = shape.edgelet;
-    m.label = labelOf(shape);
+    static_cast<ShapeHeading&>(m) = ShapeHeading::of(shape);
     m.vertices = vertexCount(shape);
     m.holes = holeCount(shape);
     switch (shape.kind) {

@@ -13,7 +13,9 @@ namespace {
 
 const std::string kByteOrderMark = "\xEF\xBB\xBF";
 
-bool isBlank(char c) { return c == ' ' || c == '\t'; }
+bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
 
 std::string trimmed(const std::string& text) {
     std::size_t begin = 0, end = text.size();
@@ -24,7 +26,9 @@ std::string trimmed(const std::string& text) {
     return text.substr(begin, end - begin);
 }
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 // Whether `text` is [sign] digits [. digits] [e [sign] digits], with a digit before or after
 // the point: the decimal numbers a CSV writer produces, and nothing else strtod would take
@@ -96,8 +100,9 @@ std::vector<xcVector<2>> readPointsJson(const std::string& path, const Json& doc
         points = findMember(document, "points");
     }
     if (points == nullptr || !points->is_array())
-        top.fail("a JSON points file must be an array of [x, y] pairs or an object with a "
-                 "\"points\" array");
+        top.fail(
+            "a JSON points file must be an array of [x, y] pairs or an object with a "
+            "\"points\" array");
     return readPointPairs(*points, top, "point");
 }
 
@@ -127,8 +132,7 @@ std::vector<xcVector<2>> readPointsCsv(const std::string& path, const std::strin
         if (!pair || !isNumber(x) || !isNumber(y))
             place.fail("expected x,y (two numbers), not " + quotedLine(line));
         if (isNonFiniteToken(x) || isNonFiniteToken(y))
-            place.fail("point " + std::to_string(points.size()) +
-                       " has a non-finite coordinate");
+            place.fail("point " + std::to_string(points.size()) + " has a non-finite coordinate");
         points.emplace_back(std::strtod(x.c_str(), nullptr), std::strtod(y.c_str(), nullptr));
     }
     return points;

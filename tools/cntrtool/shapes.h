@@ -52,6 +52,22 @@ struct Shape {
     std::size_t index = 0;
 };
 
+/// What every per-shape report begins with: the shape's position in its file, its kind and its
+/// label.
+struct ShapeHeading {
+    std::size_t index = 0;
+    ShapeKind kind = ShapeKind::contour;
+    bool edgelet = false;
+    unsigned long label = 0;
+
+    /// The heading of `shape` (its label as labelOf gives it).
+    static ShapeHeading of(const Shape& shape);
+    /// The first cells of a table row: index, kind (kindCell) and label.
+    std::vector<std::string> cells() const;
+    /// The first members of a JSON report: "index", "kind", "edgelet" and "label".
+    Json json() const;
+};
+
 /// The shape's label: the contour's or region's own; a set has none of its own and shows its
 /// first region's (0 for an empty set).
 unsigned long labelOf(const Shape& shape);
