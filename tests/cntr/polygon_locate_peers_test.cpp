@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -170,8 +171,7 @@ GEOSContextHandle_t geos() {
 }
 
 GEOSGeometry* geosRing(const Ring& ring) {
-    GEOSCoordSequence* s =
-        GEOSCoordSeq_create_r(geos(), static_cast<unsigned>(ring.size() + 1), 2);
+    GEOSCoordSequence* s = GEOSCoordSeq_create_r(geos(), static_cast<unsigned>(ring.size() + 1), 2);
     for (std::size_t i = 0; i <= ring.size(); ++i) {
         const xcVector<2>& v = ring[i % ring.size()];
         GEOSCoordSeq_setXY_r(geos(), s, static_cast<unsigned>(i), v.x(), v.y());
@@ -275,6 +275,33 @@ class BoostPeer : public Peer {
 
 #endif
 
+/// A peer found when the tests were configured, or the reason why it is missing.
+struct PeerChoice {
+    /// Empty when the peer is missing.
+    PeerFactory make;
+    const char* missing;
+};
+
+PeerChoice geosPeer() {
+#ifdef CNTR_TESTS_HAVE_GEOS
+    return {[](const PeerShape& s) { return std::make_unique<GeosPeer>(s); }, ""};
+#else
+    return {nullptr,
+            "GEOS was not found when the tests were configured (tools/bootstrap tests "
+            "installs libgeos-dev)"};
+#endif
+}
+
+PeerChoice boostPeer() {
+#ifdef CNTR_TESTS_HAVE_BOOST_GEOMETRY
+    return {[](const PeerShape& s) { return std::make_unique<BoostPeer>(s); }, ""};
+#else
+    return {nullptr,
+            "Boost.Geometry was not found when the tests were configured "
+            "(tools/bootstrap tests installs libboost-dev)"};
+#endif
+}
+
 // ---- comparing ----
 
 /// The tallies of one comparison, so that a test can show it compared something.
@@ -346,6 +373,10 @@ struct BenchCase {
     std::size_t n;
 };
 
+void PrintTo(const BenchCase& c, std::ostream* os) {
+    *os << peers::kindName(c.kind) << "/" << peers::sizeName(c.n);
+}
+
 std::string caseName(const testing::TestParamInfo<BenchCase>& info) {
     return std::string(peers::kindName(info.param.kind)) + "_" + peers::sizeName(info.param.n);
 }
@@ -373,21 +404,17 @@ class PolygonLocateBenchPeers : public testing::TestWithParam<BenchCase> {
 };
 
 TEST_P(PolygonLocateBenchPeers, AgreesWithGeosPreparedContains) {
-#ifdef CNTR_TESTS_HAVE_GEOS
-    compareWith([](const PeerShape& s) { return std::make_unique<GeosPeer>(s); });
-#else
-    GTEST_SKIP() << "GEOS was not found when the tests were configured (tools/bootstrap tests "
-                    "installs libgeos-dev)";
-#endif
+    const PeerChoice peer = geosPeer();
+    if (!peer.make)
+        GTEST_SKIP() << peer.missing;
+    compareWith(peer.make);
 }
 
 TEST_P(PolygonLocateBenchPeers, AgreesWithBoostGeometryWithin) {
-#ifdef CNTR_TESTS_HAVE_BOOST_GEOMETRY
-    compareWith([](const PeerShape& s) { return std::make_unique<BoostPeer>(s); });
-#else
-    GTEST_SKIP() << "Boost.Geometry was not found when the tests were configured "
-                    "(tools/bootstrap tests installs libboost-dev)";
-#endif
+    const PeerChoice peer = boostPeer();
+    if (!peer.make)
+        GTEST_SKIP() << peer.missing;
+    compareWith(peer.make);
 }
 
 TEST_P(PolygonLocateBenchPeers, AgreesWithTheDescribedInsideAwayFromTheOutline) {
@@ -481,11 +508,10 @@ class ShapeGenerator {
             const double r = depth == 0 ? random_.next(0.1, 0.3) * clear : 0.6 * clear;
             const double angle = random_.next(0.0, 2.0 * xcPi);
             const double offset = depth == 0 ? random_.next(0.0, 0.5) * clear : 0.0;
-            const xcVector<2> c = centre + xcVector<2>(offset * std::cos(angle),
-                                                       offset * std::sin(angle));
-            if (std::any_of(discs.begin(), discs.end(), [&](const auto& d) {
-                    return (d.first - c).length() <= d.second + r;
-                }))
+            const xcVector<2> c =
+                centre + xcVector<2>(offset * std::cos(angle), offset * std::sin(angle));
+            if (std::any_of(discs.begin(), discs.end(),
+                            [&](const auto& d) { return (d.first - c).length() <= d.second + r; }))
                 continue;
             discs.emplace_back(c, r);
             nest.holes.push_back(region(c, r, depth + 1));
@@ -559,17 +585,18 @@ class ShapeGenerator {
         const auto x = [&] { return random_.next(x0 - mx, x1 + mx); };
         const auto y = [&] { return random_.next(y0 - my, y1 + my); };
         const auto vertex = [&]() -> const xcVector<2>& {
-            const Ring& ring = *rings[static_cast<std::size_t>(
-                integer(0, static_cast<int>(rings.size()) - 1))];
+            const Ring& ring =
+                *rings[static_cast<std::size_t>(integer(0, static_cast<int>(rings.size()) - 1))];
             return ring[static_cast<std::size_t>(integer(0, static_cast<int>(ring.size()) - 1))];
         };
         Points points;
         for (int k = 0; k < 3; ++k)
             points.emplace_back(x(), y());
         points.push_back(vertex());
-        const Ring& ring = *rings[static_cast<std::size_t>(
-            integer(0, static_cast<int>(rings.size()) - 1))];
-        const std::size_t e = static_cast<std::size_t>(integer(0, static_cast<int>(ring.size()) - 1));
+        const Ring& ring =
+            *rings[static_cast<std::size_t>(integer(0, static_cast<int>(rings.size()) - 1))];
+        const std::size_t e =
+            static_cast<std::size_t>(integer(0, static_cast<int>(ring.size()) - 1));
         points.push_back(0.5 * (ring[e] + ring[(e + 1) % ring.size()]));
         points.emplace_back(x(), vertex().y());
         points.emplace_back(vertex().x(), y());
@@ -655,30 +682,23 @@ TEST(PolygonLocateSeededPeers, GeneratorKeepsHolesInsideAndIslandsInsideHoles) {
 }
 
 TEST(PolygonLocateSeededPeers, AgreesWithGeosPreparedContains) {
-#ifdef CNTR_TESTS_HAVE_GEOS
+    const PeerChoice peer = geosPeer();
+    if (!peer.make)
+        GTEST_SKIP() << peer.missing;
     // GEOS decides sides exactly, as the locator does: even the edge midpoints that rounding
     // moved off their edges get the same answer.
-    const Tally tally =
-        compareSeededWith([](const PeerShape& s) { return std::make_unique<GeosPeer>(s); });
-    EXPECT_EQ(tally.onPeersEdge, 0u);
-#else
-    GTEST_SKIP() << "GEOS was not found when the tests were configured (tools/bootstrap tests "
-                    "installs libgeos-dev)";
-#endif
+    EXPECT_EQ(compareSeededWith(peer.make).onPeersEdge, 0u);
 }
 
 TEST(PolygonLocateSeededPeers, AgreesWithBoostGeometryWithin) {
-#ifdef CNTR_TESTS_HAVE_BOOST_GEOMETRY
+    const PeerChoice peer = boostPeer();
+    if (!peer.make)
+        GTEST_SKIP() << peer.missing;
     // The only differences allowed are Boost's tolerance of points within rounding of an edge:
     // some of the slanted edges' midpoints, one point in eight of a shape at most.
-    const Tally tally =
-        compareSeededWith([](const PeerShape& s) { return std::make_unique<BoostPeer>(s); });
+    const Tally tally = compareSeededWith(peer.make);
     RecordProperty("points_on_boosts_edges", std::to_string(tally.onPeersEdge));
     EXPECT_LT(tally.onPeersEdge, seededShapes().size() / 10);
-#else
-    GTEST_SKIP() << "Boost.Geometry was not found when the tests were configured "
-                    "(tools/bootstrap tests installs libboost-dev)";
-#endif
 }
 
 // No point disagrees: away from the outline the described ray's parity is the true containment,
@@ -699,10 +719,9 @@ TEST(PolygonLocateSeededPeers, AgreesWithTheDescribedInsideAwayFromTheOutline) {
             ++compared;
             const bool described = library.set.inside(p, true);
             inside += described;
-            if (ours[k] != (described ? Location::inside : Location::outside) &&
-                ++mismatches <= 10)
-                ADD_FAILURE() << "shape " << s << " point " << k << " (" << p.x() << ", "
-                              << p.y() << "): ours " << static_cast<int>(ours[k])
+            if (ours[k] != (described ? Location::inside : Location::outside) && ++mismatches <= 10)
+                ADD_FAILURE() << "shape " << s << " point " << k << " (" << p.x() << ", " << p.y()
+                              << "): ours " << static_cast<int>(ours[k])
                               << ", the described inside " << described;
         }
     }
@@ -728,23 +747,21 @@ TEST(PolygonLocatePeerConventions, BoostGeometryTakesPointsWithinRoundingOfAnEdg
     EXPECT_EQ(polygon.locate(below), Location::outside);
     EXPECT_EQ(polygon.locate(above), Location::inside);
     const PeerShape shape = {PeerPolygon{triangle, {}}};
-#ifdef CNTR_TESTS_HAVE_GEOS
-    // GEOS decides the side exactly too.
-    const GeosPeer geosPeer(shape);
-    EXPECT_FALSE(geosPeer.covers(below));
-    EXPECT_TRUE(geosPeer.interior(above));
-#endif
-#ifdef CNTR_TESTS_HAVE_BOOST_GEOMETRY
-    // Boost takes both for points on the edge: covered, not within.
-    const BoostPeer boostPeer(shape);
-    for (const xcVector<2>& p : {below, above}) {
-        EXPECT_FALSE(boostPeer.interior(p)) << p.x();
-        EXPECT_TRUE(boostPeer.covers(p)) << p.x();
+    if (const PeerChoice geosChoice = geosPeer(); geosChoice.make) {
+        // GEOS decides the side exactly too.
+        const std::unique_ptr<Peer> peer = geosChoice.make(shape);
+        EXPECT_FALSE(peer->covers(below));
+        EXPECT_TRUE(peer->interior(above));
     }
-#else
-    GTEST_SKIP() << "Boost.Geometry was not found when the tests were configured "
-                    "(tools/bootstrap tests installs libboost-dev)";
-#endif
+    const PeerChoice boostChoice = boostPeer();
+    if (!boostChoice.make)
+        GTEST_SKIP() << boostChoice.missing;
+    // Boost takes both for points on the edge: covered, not within.
+    const std::unique_ptr<Peer> peer = boostChoice.make(shape);
+    for (const xcVector<2>& p : {below, above}) {
+        EXPECT_FALSE(peer->interior(p)) << p.x();
+        EXPECT_TRUE(peer->covers(p)) << p.x();
+    }
 }
 
 }  // namespace
