@@ -1,5 +1,7 @@
 #include "cli.h"
 
+#include <cmath>
+
 #include <gtest/gtest.h>
 
 #include "errors.h"
@@ -170,4 +172,59 @@ TEST(CommandLine, MaxInputGoesWithEveryCommandAndItsOwnValueOptions) {
     // After "--" it is a file name.
     EXPECT_EQ(parseCommandLine({"check", "--", "--max-input"}).input, "--max-input");
     EXPECT_NE(cntrtool::helpText(Command::render).find("--max-input BYTES"), std::string::npos);
+}
+
+TEST(CommandLine, LocateReadsAShapeFileAndAPointsFile) {
+    const Options o = parseCommandLine({"locate", "shapes.json", "points.csv"});
+    EXPECT_EQ(o.command, Command::locate);
+    EXPECT_EQ(o.input, "shapes.json");
+    EXPECT_EQ(o.points, "points.csv");
+    EXPECT_FALSE(o.json);
+    EXPECT_EQ(o.boundaryDistance, 0.0);
+    const Options j = parseCommandLine({"locate", "--json", "a", "--max-input=9", "b"});
+    EXPECT_TRUE(j.json);
+    EXPECT_EQ(j.input, "a");
+    EXPECT_EQ(j.points, "b");
+    EXPECT_EQ(j.maxInput, 9u);
+    EXPECT_EQ(parseCommandLine({"locate", "a", "--", "-b.csv"}).points, "-b.csv");
+}
+
+TEST(CommandLine, LocateNeedsBothFilesAndNoMore) {
+    const std::string see = "; see cntrtool locate --help";
+    EXPECT_EQ(usageErrorOf({"locate", "a.json"}), "locate needs a POINTS file" + see);
+    EXPECT_EQ(usageErrorOf({"locate"}), "locate needs an input FILE" + see);
+    EXPECT_EQ(usageErrorOf({"locate", "a", "b", "c"}), "unexpected argument c" + see);
+    EXPECT_EQ(usageErrorOf({"locate", "a", ""}), "the POINTS file name is empty" + see);
+    EXPECT_EQ(usageErrorOf({"locate", "a", "b", "-o", "c"}),
+              "locate writes to standard output; -o is not used" + see);
+    EXPECT_EQ(usageErrorOf({"locate", "a", "b", "--hull"}), "unknown option --hull for locate" + see);
+}
+
+TEST(CommandLine, BoundaryDistanceOfLocate) {
+    EXPECT_EQ(parseCommandLine({"locate", "a", "b", "--boundary-distance", "0.25"}).boundaryDistance,
+              0.25);
+    EXPECT_EQ(parseCommandLine({"locate", "a", "b", "--boundary-distance=1e-3"}).boundaryDistance,
+              1e-3);
+    EXPECT_EQ(parseCommandLine({"locate", "a", "b", "--boundary-distance", "0"}).boundaryDistance,
+              0.0);
+    EXPECT_FALSE(std::signbit(
+        parseCommandLine({"locate", "a", "b", "--boundary-distance", "-0"}).boundaryDistance));
+    const std::string see = "; see cntrtool locate --help";
+    for (const char* bad : {"-1", "-1e-300", "nan", "inf", "1e999", "", " 1", "1x", "one"})
+        EXPECT_EQ(usageErrorOf({"locate", "a", "b", "--boundary-distance", bad}),
+                  std::string("--boundary-distance needs a finite number from 0 up, not \"") + bad +
+                      "\"" + see)
+            << bad;
+    EXPECT_EQ(usageErrorOf({"locate", "a", "b", "--boundary-distance"}),
+              "--boundary-distance needs a value" + see);
+    EXPECT_EQ(usageErrorOf({"measure", "a", "--boundary-distance", "1"}),
+              "unknown option --boundary-distance for measure; see cntrtool measure --help");
+}
+
+TEST(CommandLine, HelpDescribesLocate) {
+    EXPECT_EQ(cntrtool::helpText(Command::locate)
+                  .rfind("usage: cntrtool locate FILE POINTS [--json] [--boundary-distance D]\n", 0),
+              0u);
+    EXPECT_NE(cntrtool::helpText(Command::help).find("  locate FILE POINTS"), std::string::npos);
+    EXPECT_EQ(parseCommandLine({"help", "locate"}).helpFor, Command::locate);
 }

@@ -1,8 +1,10 @@
 // The tool run as a whole, in this process: exit statuses, messages, outputs, round trips.
 #include "commands.h"
 
+#include <algorithm>
 #include <regex>
 #include <set>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -311,4 +313,76 @@ TEST(Commands, RenderWritesItsPictureToStandardOutputAsToAFile) {
     EXPECT_NE(toOut.out, toOutUp.out);
     EXPECT_EQ(toOut.out.find("scale(1,-1)"), std::string::npos);
     EXPECT_NE(toOutUp.out.find("scale(1,-1)"), std::string::npos);
+}
+
+TEST(Commands, LocateAnswersEveryShapeForEveryPoint) {
+    // A square [0, 4] x [0, 4] with the hole [1, 3] x [1, 3]: (0.5, 0.5) between them, (2, 2)
+    // in the hole, (4, 2) on the right edge.
+    ScratchDir dir;
+    const std::string shapes = dir.write("s.json", R"({"shapes": [{"kind": "region", "label": 9,
+        "points": [[0, 0], [4, 0], [4, 4], [0, 4]],
+        "holes": [{"points": [[1, 1], [3, 1], [3, 3], [1, 3]]}]}]})");
+    const std::string points = dir.write("p.csv", "0.5,0.5\n2,2\n4,2\n");
+    const auto r = runTool({"locate", shapes, points});
+    EXPECT_EQ(r.status, cntrtool::kExitOk) << r.err;
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(r.out,
+              "shape  kind    label  point    x    y  location\n"
+              "    0  region      9      0  0.5  0.5  inside\n"
+              "    0  region      9      1    2    2  outside\n"
+              "    0  region      9      2    4    2  boundary\n");
+    // Within 0.5 of an outline: (0.5, 0.5) too.
+    const auto widened = runTool({"locate", shapes, points, "--json", "--boundary-distance=0.5"});
+    EXPECT_EQ(widened.status, cntrtool::kExitOk) << widened.err;
+    EXPECT_NE(widened.out.find("\"locations\": [\"boundary\", \"outside\", \"boundary\"]"),
+              std::string::npos)
+        << widened.out;
+}
+
+TEST(Commands, LocateOfBadInputWritesOneMessageAndNothingElse) {
+    ScratchDir dir;
+    const std::string shapes = dir.write("s.json", R"({"shapes": [{"kind": "region",
+        "points": [[0, 0], [4, 0], [4, 4]]}]})");
+    const std::string badShapes =
+        dir.write("bad.json", R"({"shapes": [{"kind": "region", "points": [[0, 0], [1, NaN]]}]})");
+    const std::string points = dir.write("p.csv", "1,1\n");
+    const std::string nanPoint = dir.write("nan.json", "[[1, 1], [2, -Infinity]]");
+    const std::string textPoint = dir.write("t.csv", "1,1\n2,two\n");
+    // The limit lets the shape file through and stops the points file, which is read after it.
+    const std::size_t limit = readFile(shapes).size();
+    std::string manyLines;
+    while (manyLines.size() <= limit)
+        manyLines += "1,1\n";
+    const std::string bigPoints = dir.write("big.csv", manyLines);
+    const std::pair<std::vector<std::string>, std::string> runs[] = {
+        {{"locate", shapes, nanPoint}, nanPoint + ": point 1 has a non-finite coordinate"},
+        {{"locate", shapes, textPoint},
+         textPoint + ": line 2: expected x,y (two numbers), not \"2,two\""},
+        {{"locate", badShapes, points}, badShapes + ": shape 0: vertex 1 has a non-finite coordinate"},
+        {{"locate", shapes, dir.file("none.csv")},
+         dir.file("none.csv") + ": cannot open: No such file or directory"},
+        {{"locate", shapes, points, "--boundary-distance", "-0.5"},
+         "--boundary-distance needs a finite number from 0 up, not \"-0.5\"; see cntrtool locate "
+         "--help"},
+        {{"locate", shapes, bigPoints, "--max-input", std::to_string(limit)},
+         bigPoints + ": too large: " + std::to_string(manyLines.size()) +
+             " bytes; the input limit is " + std::to_string(limit) + " bytes (see --max-input)"}};
+    for (const auto& [args, message] : runs) {
+        const auto r = runTool(args);
+        EXPECT_EQ(r.status, cntrtool::kExitBadInput) << message;
+        EXPECT_EQ(r.out, "") << message;
+        EXPECT_EQ(r.err, "cntrtool: " + message + "\n");
+    }
+}
+
+TEST(Commands, LocateProgressCountsTheShapes) {
+    ScratchDir dir;
+    const auto r = runTool({"locate", dir.write("big.json", manyTriangles(10001)),
+                            dir.write("p.csv", "0.5,0.25\n")});
+    EXPECT_EQ(r.status, cntrtool::kExitOk);
+    EXPECT_TRUE(std::regex_search(r.err, std::regex("located 10001 of 10001 shapes in [0-9.]+ s")))
+        << r.err;
+    // The triangle (0, 0), (1, 0), (1, 1) holds (0.5, 0.25): every line but the header says so.
+    EXPECT_EQ(std::count(r.out.begin(), r.out.end(), '\n'), 10002);
+    EXPECT_EQ(r.out.find("outside"), std::string::npos);
 }

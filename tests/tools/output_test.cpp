@@ -45,6 +45,19 @@ TEST(Output, RoundingToDigits) {
     EXPECT_TRUE(std::isinf(roundToDigits(INFINITY, 9)));
 }
 
+TEST(Output, TableLayoutAlignsTextLeftAndNumbersRight) {
+    cntrtool::TableLayout layout(3, {1});
+    layout.fit({"index", "kind", "n"});
+    layout.fit({"7", "regionset", "12345"});
+    layout.fit(0, "123456");  // one cell alone widens its column
+    EXPECT_EQ(layout.line({"index", "kind", "n"}), " index  kind           n");
+    EXPECT_EQ(layout.line({"7", "regionset", "12345"}), "     7  regionset  12345");
+    // Trailing spaces of a short last text cell are dropped.
+    cntrtool::TableLayout textLast(2, {1});
+    textLast.fit({"1", "boundary"});
+    EXPECT_EQ(textLast.line({"1", "in"}), "1  in");
+}
+
 TEST(Output, AtomicWriteCreatesAndReplaces) {
     ScratchDir dir;
     const std::string path = dir.file("out.txt");

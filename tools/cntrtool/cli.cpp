@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 
@@ -23,12 +24,14 @@ struct CommandInfo {
     /// --max-input, which every command accepts.
     std::vector<const char*> valueOptions;
     bool needsOutput;
+    /// The name of a second input file that the command reads after FILE ("POINTS"), or null.
+    const char* secondInput;
     const char* help;
 };
 
 const std::vector<CommandInfo>& commands() {
     static const std::vector<CommandInfo> list = {
-        {"measure", Command::measure, {"--json"}, {"--digits"}, false,
+        {"measure", Command::measure, {"--json"}, {"--digits"}, false, nullptr,
          "usage: cntrtool measure FILE [--json] [--digits N]\n"
          "\n"
          "Measures every shape of FILE: kind, label, vertex and hole counts, length, area with\n"
@@ -42,7 +45,7 @@ const std::vector<CommandInfo>& commands() {
          "fit \"circle\" and its reason. Numbers: 6 significant digits in the table; in JSON the\n"
          "shortest form that reads back as the same double. --digits N (1 to 17) rounds both to\n"
          "N significant digits.\n"},
-        {"check", Command::check, {}, {}, false,
+        {"check", Command::check, {}, {}, false, nullptr,
          "usage: cntrtool check FILE\n"
          "\n"
          "Lists the problems of every shape, one line each, with the shape's index and label:\n"
@@ -50,7 +53,7 @@ const std::vector<CommandInfo>& commands() {
          "hole-crosses-outline, touching-hole, hole-outside, holes-cross, holes-refused,\n"
          "regions-cross, empty-set, measure-failed, non-finite-result.\n"
          "Exit status 1 when there is any problem, 0 when there is none.\n"},
-        {"repair", Command::repair, {"--outer-hull"}, {}, true,
+        {"repair", Command::repair, {"--outer-hull"}, {}, true, nullptr,
          "usage: cntrtool repair FILE -o OUT [--outer-hull]\n"
          "\n"
          "Regularises every region whose outline crosses itself (with --outer-hull: replaces it\n"
@@ -58,6 +61,7 @@ const std::vector<CommandInfo>& commands() {
          "in FILE's format; shapes that need nothing are written unchanged. Exit status 1 when a\n"
          "shape could not be repaired (it is written unchanged).\n"},
         {"render", Command::render, {"--hull", "--repaired", "--y-down"}, {"--width"}, true,
+         nullptr,
          "usage: cntrtool render FILE -o OUT.svg [--hull] [--repaired] [--y-down]\n"
          "                       [--width PIXELS]\n"
          "\n"
@@ -67,17 +71,35 @@ const std::vector<CommandInfo>& commands() {
          "up, or down with --y-down (image coordinates). The picture is 800 pixels wide (or\n"
          "--width PIXELS, 16 to 100000) with the drawing's aspect ratio; lines are 1.5 pixels\n"
          "wide whatever the drawing's extent.\n"},
-        {"pack", Command::pack, {}, {}, true,
+        {"pack", Command::pack, {}, {}, true, nullptr,
          "usage: cntrtool pack FILE -o OUT.xca\n"
          "\n"
          "Stores every shape of FILE in the library's binary archive format. Holes the library\n"
          "refused (they cross their outline) cannot be stored: they are left out with a\n"
          "warning and the exit status is 1.\n"},
-        {"unpack", Command::unpack, {}, {}, true,
+        {"unpack", Command::unpack, {}, {}, true, nullptr,
          "usage: cntrtool unpack FILE.xca -o OUT.json\n"
          "\n"
          "Writes the shapes of an archive as the tool's JSON. Any other file is refused as not an\n"
          "archive.\n"},
+        {"locate", Command::locate, {"--json"}, {"--boundary-distance"}, false, "POINTS",
+         "usage: cntrtool locate FILE POINTS [--json] [--boundary-distance D]\n"
+         "\n"
+         "Says where every point of POINTS lies relative to every shape of FILE: inside,\n"
+         "boundary or outside; one line per shape and point, or with --json a JSON report.\n"
+         "A point on an outline is on the boundary, and with --boundary-distance D (a number\n"
+         "from 0 up) so is one within D of an outline. Otherwise the outlines of a shape are\n"
+         "read together by the even-odd rule: a point is inside when it lies inside an odd\n"
+         "number of them. For a shape without problems (see check) that is the area it covers:\n"
+         "a region minus its holes, plus the islands inside them; a region set, the union of\n"
+         "its regions; a closed contour, the polygon it bounds. Where regions of a set overlap,\n"
+         "or a hole crosses its outline, a point covered twice is outside. An open contour\n"
+         "bounds no area: n/a (null in JSON).\n"
+         "\n"
+         "POINTS is JSON when it begins with [ or {: an array of [x, y] pairs, or an object\n"
+         "with a \"points\" array of them. Anything else is CSV: one x,y line per point, an\n"
+         "optional header line x,y first; blank lines are skipped. A malformed point or a\n"
+         "non-finite coordinate is refused, naming the point (JSON) or the line (CSV).\n"},
     };
     return list;
 }
@@ -85,7 +107,8 @@ const std::vector<CommandInfo>& commands() {
 const char* const kOverview =
     "usage: cntrtool COMMAND FILE [options]\n"
     "\n"
-    "Measures, checks, repairs and renders the polygons of a shape file.\n"
+    "Measures, checks, repairs and renders the polygons of a shape file, and locates points\n"
+    "relative to them.\n"
     "\n"
     "commands:\n"
     "  measure FILE [--json] [--digits N]     measures of every shape\n"
@@ -95,6 +118,8 @@ const char* const kOverview =
     "                                         draws the shapes as SVG\n"
     "  pack FILE -o OUT.xca                   writes the shapes as a binary archive\n"
     "  unpack FILE.xca -o OUT.json            writes an archive's shapes as JSON\n"
+    "  locate FILE POINTS [--json] [--boundary-distance D]\n"
+    "                                         where points lie: inside, boundary, outside\n"
     "\n"
     "FILE is the tool's JSON (\"shapes\"), a COCO annotation file (\"annotations\") or an\n"
     "archive, told apart by content. `cntrtool COMMAND --help` describes one command.\n"
@@ -178,6 +203,20 @@ int integerValue(const std::string& option, const std::string& text, int low, in
     return static_cast<int>(value);
 }
 
+// A finite decimal number from 0 up (as strtod reads it, the whole of `text`); throws UsageError
+// otherwise.
+double distanceValue(const std::string& option, const std::string& text,
+                     const std::string& seeHelp) {
+    char* end = nullptr;
+    const double value = std::strtod(text.c_str(), &end);
+    const bool whole = !text.empty() && !std::isspace(static_cast<unsigned char>(text[0])) &&
+                       *end == '\0';
+    if (!whole || !std::isfinite(value) || value < 0.0)
+        throw UsageError(option + " needs a finite number from 0 up, not \"" + text + "\"" +
+                         seeHelp);
+    return value == 0.0 ? 0.0 : value;  // -0 is 0
+}
+
 void setValue(Options& o, const std::string& option, const std::string& value,
               const std::string& seeHelp) {
     if (option == "--max-input")
@@ -186,6 +225,8 @@ void setValue(Options& o, const std::string& option, const std::string& value,
         o.digits = integerValue(option, value, kMinDigits, kMaxDigits, seeHelp);
     else if (option == "--width")
         o.width = integerValue(option, value, kMinWidth, kMaxWidth, seeHelp);
+    else if (option == "--boundary-distance")
+        o.boundaryDistance = distanceValue(option, value, seeHelp);
 }
 
 // The options every command accepts that take a value.
@@ -208,6 +249,7 @@ Options parseCommandArgs(const CommandInfo& info, const std::vector<std::string>
     o.command = info.command;
     const std::string seeHelp = "; see cntrtool " + std::string(info.name) + " --help";
     bool outputGiven = false;
+    bool secondGiven = false;
     bool optionsEnded = false;
     for (std::size_t i = 1; i < args.size(); ++i) {
         const std::string& a = args[i];
@@ -250,12 +292,21 @@ Options parseCommandArgs(const CommandInfo& info, const std::vector<std::string>
             o.input = a;
             if (o.input.empty())
                 throw UsageError("the input file name is empty" + seeHelp);
+        } else if (info.secondInput != nullptr && !secondGiven) {
+            o.points = a;
+            secondGiven = true;
+            if (o.points.empty())
+                throw UsageError(std::string("the ") + info.secondInput + " file name is empty" +
+                                 seeHelp);
         } else {
             throw UsageError("unexpected argument " + a + seeHelp);
         }
     }
     if (o.input.empty())
         throw UsageError(std::string(info.name) + " needs an input FILE" + seeHelp);
+    if (info.secondInput != nullptr && !secondGiven)
+        throw UsageError(std::string(info.name) + " needs a " + info.secondInput + " file" +
+                         seeHelp);
     if (info.needsOutput && !outputGiven)
         throw UsageError(std::string(info.name) + " needs -o OUT" + seeHelp);
     if (!info.needsOutput && outputGiven)

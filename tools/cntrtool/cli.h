@@ -10,13 +10,15 @@
 
 namespace cntrtool {
 
-enum class Command { help, version, measure, check, repair, render, pack, unpack };
+enum class Command { help, version, measure, check, repair, render, pack, unpack, locate };
 
 struct Options {
     Command command = Command::help;
     /// With `command` help: the subcommand whose help is wanted (help itself for the overview).
     Command helpFor = Command::help;
     std::string input;
+    /// locate: the file of points (POINTS).
+    std::string points;
     std::string output;
     /// The largest input read (--max-input).
     std::uint64_t maxInput = kDefaultMaxInput;
@@ -31,6 +33,8 @@ struct Options {
     bool yDown = false;
     /// render --width: the picture's width in pixels (0: the default).
     int width = 0;
+    /// locate --boundary-distance: points this close to an outline are on the boundary.
+    double boundaryDistance = 0.0;
 };
 
 /// Parses the arguments after the program name. `cntrtool`, `cntrtool --help` and

@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <new>
+#include <utility>
 
 #include <cntr/version.h>
 #include <foundation/exception.h>
@@ -12,9 +13,11 @@
 #include "errors.h"
 #include "input.h"
 #include "json_text.h"
+#include "locate.h"
 #include "measure.h"
 #include "output.h"
 #include "output_formats.h"
+#include "points.h"
 #include "render.h"
 #include "repair.h"
 
@@ -41,15 +44,22 @@ struct Context {
     }
 };
 
-int measureCommand(const Context& c) {
-    Progress progress(c.err, "measured", c.file.shapes.size(), c.errIsTerminal);
-    std::vector<Measures> rows;
+// `report` of every shape, in order, with progress named by `verb`.
+template <class Report>
+auto reportOfEachShape(const Context& c, const char* verb, Report&& report) {
+    Progress progress(c.err, verb, c.file.shapes.size(), c.errIsTerminal);
+    std::vector<decltype(report(std::declval<const Shape&>()))> rows;
     rows.reserve(c.file.shapes.size());
     for (const Shape& s : c.file.shapes) {
-        rows.push_back(measureShape(s));
+        rows.push_back(report(s));
         progress.step();
     }
     progress.finish();
+    return rows;
+}
+
+int measureCommand(const Context& c) {
+    const std::vector<Measures> rows = reportOfEachShape(c, "measured", measureShape);
     if (c.options.json)
         c.out << prettyJson(measureReport(c.file.path, rows, c.options.digits));
     else
@@ -145,6 +155,19 @@ int unpackCommand(const Context& c) {
     return kExitOk;
 }
 
+int locateCommand(const Context& c) {
+    const std::vector<xcVector<2>> points = loadPointsFile(c.options.points, c.options.maxInput);
+    const std::vector<ShapeLocations> rows = reportOfEachShape(c, "located", [&](const Shape& s) {
+        return locateShape(s, points, c.options.boundaryDistance);
+    });
+    if (c.options.json)
+        c.out << prettyJson(locationReport(c.file.path, c.options.points,
+                                           c.options.boundaryDistance, points, rows));
+    else
+        printLocationTable(c.out, points, rows, kTableDigits);
+    return kExitOk;
+}
+
 int runCommand(const Options& options, std::ostream& out, std::ostream& err,
                bool errIsTerminal) {
     switch (options.command) {
@@ -176,6 +199,8 @@ int runCommand(const Options& options, std::ostream& out, std::ostream& err,
             return packCommand(c);
         case Command::unpack:
             return unpackCommand(c);
+        case Command::locate:
+            return locateCommand(c);
         default:
             return kExitOk;
     }

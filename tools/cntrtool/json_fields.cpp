@@ -60,7 +60,8 @@ bool readBool(const Json& value, const JsonPlace& place, const char* key) {
     return value.get<bool>();
 }
 
-std::vector<xcVector<2>> readPointPairs(const Json& value, const JsonPlace& place) {
+std::vector<xcVector<2>> readPointPairs(const Json& value, const JsonPlace& place,
+                                        const char* item) {
     if (!value.is_array())
         place.fail(std::string("\"points\" must be an array of [x, y] pairs, not ") +
                    value.type_name());
@@ -68,7 +69,7 @@ std::vector<xcVector<2>> readPointPairs(const Json& value, const JsonPlace& plac
     points.reserve(value.size());
     for (std::size_t k = 0; k < value.size(); ++k) {
         const Json& p = value[k];
-        const std::string what = "vertex " + std::to_string(k);
+        const std::string what = item + (" " + std::to_string(k));
         if (!p.is_array() || p.size() != 2)
             place.fail(what + " must be an [x, y] pair");
         points.emplace_back(readCoordinate(p[0], place, what), readCoordinate(p[1], place, what));

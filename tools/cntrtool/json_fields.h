@@ -34,8 +34,9 @@ double readCoordinate(const Json& value, const JsonPlace& place, const std::stri
 unsigned long readLabel(const Json& value, const JsonPlace& place);
 /// A bool.
 bool readBool(const Json& value, const JsonPlace& place, const char* key);
-/// An array of [x, y] pairs.
-std::vector<xcVector<2>> readPointPairs(const Json& value, const JsonPlace& place);
+/// An array of [x, y] pairs; `item` names one in messages ("vertex 2", "point 2").
+std::vector<xcVector<2>> readPointPairs(const Json& value, const JsonPlace& place,
+                                        const char* item = "vertex");
 /// A flat array x0, y0, x1, y1, ... (COCO's polygon form).
 std::vector<xcVector<2>> readFlatPolygon(const Json& value, const JsonPlace& place);
 

@@ -25,8 +25,8 @@ bool isTokenChar(char c) {
     return std::isalnum(static_cast<unsigned char>(c)) || c == '+' || c == '-' || c == '.';
 }
 
-// Whether `token` is a literal that stands for a non-finite number: NaN or Infinity in the
-// spellings writers use, or a number too large for a double.
+}  // namespace
+
 bool isNonFiniteToken(const std::string& token) {
     std::string t = token;
     if (!t.empty() && (t[0] == '-' || t[0] == '+'))
@@ -41,6 +41,8 @@ bool isNonFiniteToken(const std::string& token) {
     const double value = std::strtod(token.c_str(), &end);
     return end == token.c_str() + token.size() && std::isinf(value);
 }
+
+namespace {
 
 // The text with every non-finite number outside strings replaced by the marker.
 std::string markNonFiniteNumbers(const std::string& text) {

@@ -13,6 +13,10 @@ namespace cntrtool {
 /// a newline.
 std::string prettyJson(const Json& document);
 
+/// Whether `token` stands for a number that no double holds: NaN or Infinity in the spellings
+/// writers use ("nan", "-Infinity", "inf", any case), or a number too large for a double.
+bool isNonFiniteToken(const std::string& token);
+
 }  // namespace cntrtool
 
 #endif

@@ -360,10 +360,6 @@ std::string cellOf(const std::optional<T>& v, int digits, F&& part) {
     return v ? formatNumber(part(*v), digits) : kNotAvailable;
 }
 
-std::string kindCell(const Measures& m) {
-    return std::string(m.edgelet ? "edgelet-" : "") + kindName(m.kind);
-}
-
 std::string fitCell(const Measures& m) {
     if (!m.fittedEllipse)
         return kNotAvailable;
@@ -382,9 +378,8 @@ std::vector<std::string> tableRow(const Measures& m, int digits) {
         return [r, c](const xcMatrix<2>& mat) { return mat.element(r, c); };
     };
     const std::optional<EllipseValue>& fit = m.fittedEllipse;
-    return {std::to_string(m.index),
-            kindCell(m),
-            std::to_string(m.label),
+    std::vector<std::string> row = m.cells();
+    row.insert(row.end(), {
             std::to_string(m.vertices),
             std::to_string(m.holes),
             cell(m.length, digits),
@@ -407,7 +402,8 @@ std::vector<std::string> tableRow(const Measures& m, int digits) {
             cell(m.fitRms, digits),
             cell(m.hullArea, digits),
             cell(m.diameter, digits),
-            m.selfIntersecting ? (*m.selfIntersecting ? "yes" : "no") : kNotAvailable};
+            m.selfIntersecting ? (*m.selfIntersecting ? "yes" : "no") : kNotAvailable});
+    return row;
 }
 
 const std::vector<std::string> kTableHeader = {
@@ -424,8 +420,9 @@ class ShapeJson {
     ShapeJson(const Measures& m, int digits) : m_(m), digits_(digits) {}
 
     Json report() const {
-        Json j = {{"index", m_.index},     {"kind", kindName(m_.kind)}, {"edgelet", m_.edgelet},
-                  {"label", m_.label},     {"vertices", m_.vertices},   {"holes", m_.holes}};
+        Json j = m_.json();
+        j["vertices"] = m_.vertices;
+        j["holes"] = m_.holes;
         j["length"] = field("length", m_.length);
         j["area"] = field("area", m_.area);
         j["area_without_holes"] = field("area_without_holes", m_.areaWithoutHoles);
@@ -487,10 +484,7 @@ class ShapeJson {
 
 Measures measureShape(const Shape& shape) {
     Measures m;
-    m.index = shape.index;
-    m.kind = shape.kind;
-    m.edgelet = shape.edgelet;
-    m.label = labelOf(shape);
+    static_cast<ShapeHeading&>(m) = ShapeHeading::of(shape);
     m.vertices = vertexCount(shape);
     m.holes = holeCount(shape);
     switch (shape.kind) {
@@ -514,23 +508,12 @@ void printMeasureTable(std::ostream& out, const std::vector<Measures>& rows, int
     cells.push_back(kTableHeader);
     for (const Measures& m : rows)
         cells.push_back(tableRow(m, digits));
-    std::vector<std::size_t> width(kTableHeader.size(), 0);
-    for (const auto& row : cells)
-        for (std::size_t c = 0; c < row.size(); ++c)
-            width[c] = std::max(width[c], row[c].size());
     constexpr std::size_t kKindColumn = 1;  // text, aligned left; numbers align right
-    for (const auto& row : cells) {
-        std::string line;
-        for (std::size_t c = 0; c < row.size(); ++c) {
-            const std::string fill(width[c] - row[c].size(), ' ');
-            if (c > 0)
-                line += "  ";
-            line += c == kKindColumn ? row[c] + fill : fill + row[c];
-        }
-        while (!line.empty() && line.back() == ' ')
-            line.pop_back();
-        out << line << '\n';
-    }
+    TableLayout layout(kTableHeader.size(), {kKindColumn});
+    for (const auto& row : cells)
+        layout.fit(row);
+    for (const auto& row : cells)
+        out << layout.line(row) << '\n';
 }
 
 Json measureReport(const std::string& path, const std::vector<Measures>& rows, int digits) {

@@ -57,11 +57,7 @@ std::string centroidConvention(const std::vector<xcVector<2>>& points);
 
 /// Everything `measure` reports for one shape. An empty field is not available, and
 /// `failures` says why; so does it for a non-finite value, which is kept.
-struct Measures {
-    std::size_t index = 0;
-    ShapeKind kind = ShapeKind::contour;
-    bool edgelet = false;
-    unsigned long label = 0;
+struct Measures : ShapeHeading {
     std::size_t vertices = 0;
     std::size_t holes = 0;
     std::optional<double> length;

@@ -1,5 +1,6 @@
 #include "output.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -29,6 +30,34 @@ double roundToDigits(double value, int digits) {
     if (!std::isfinite(value))
         return value;
     return std::strtod(formatNumber(value, digits).c_str(), nullptr);
+}
+
+TableLayout::TableLayout(std::size_t columns, std::vector<std::size_t> textColumns)
+    : width_(columns, 0), text_(columns, false) {
+    for (const std::size_t c : textColumns)
+        text_.at(c) = true;
+}
+
+void TableLayout::fit(std::size_t column, const std::string& cell) {
+    width_.at(column) = std::max(width_.at(column), cell.size());
+}
+
+void TableLayout::fit(const std::vector<std::string>& row) {
+    for (std::size_t c = 0; c < row.size(); ++c)
+        fit(c, row[c]);
+}
+
+std::string TableLayout::line(const std::vector<std::string>& row) const {
+    std::string line;
+    for (std::size_t c = 0; c < row.size(); ++c) {
+        const std::string fill(width_.at(c) - row[c].size(), ' ');
+        if (c > 0)
+            line += "  ";
+        line += text_[c] ? row[c] + fill : fill + row[c];
+    }
+    while (!line.empty() && line.back() == ' ')
+        line.pop_back();
+    return line;
 }
 
 namespace {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace cntrtool {
 
@@ -20,6 +21,25 @@ constexpr int kMaxDigits = 17;
 std::string formatNumber(double value, int digits);
 /// `value` rounded to `digits` significant digits (what formatNumber prints), for JSON reports.
 double roundToDigits(double value, int digits);
+
+/// The layout of an aligned table: each column as wide as its widest cell, two spaces between
+/// columns, text columns aligned left and the others (numbers) right. Cells are measured first
+/// (fit) and laid out afterwards (line), so that a table can be printed without holding it.
+class TableLayout {
+  public:
+    /// A table of `columns` columns; `textColumns` lists those aligned left.
+    TableLayout(std::size_t columns, std::vector<std::size_t> textColumns);
+    /// Widens column `column` to hold `cell`.
+    void fit(std::size_t column, const std::string& cell);
+    /// Widens every column to hold the cells of `row` (one per column).
+    void fit(const std::vector<std::string>& row);
+    /// The row laid out, without trailing spaces or a newline.
+    std::string line(const std::vector<std::string>& row) const;
+
+  private:
+    std::vector<std::size_t> width_;
+    std::vector<bool> text_;
+};
 
 /// Writes `content` to a temporary file beside `path` and renames it to `path` once complete,
 /// so `path` is either left as it was or holds the whole content. Throws InputError naming

@@ -98,6 +98,22 @@ const char* kindName(ShapeKind kind) {
     return "?";
 }
 
+std::string kindCell(ShapeKind kind, bool edgelet) {
+    return std::string(edgelet ? "edgelet-" : "") + kindName(kind);
+}
+
+ShapeHeading ShapeHeading::of(const Shape& shape) {
+    return ShapeHeading{shape.index, shape.kind, shape.edgelet, labelOf(shape)};
+}
+
+std::vector<std::string> ShapeHeading::cells() const {
+    return {std::to_string(index), kindCell(kind, edgelet), std::to_string(label)};
+}
+
+Json ShapeHeading::json() const {
+    return Json{{"index", index}, {"kind", kindName(kind)}, {"edgelet", edgelet}, {"label", label}};
+}
+
 unsigned long labelOf(const Shape& shape) {
     switch (shape.kind) {
         case ShapeKind::contour:

@@ -23,6 +23,8 @@ enum class ShapeKind { contour, region, regionSet };
 
 /// "contour", "region" or "regionset": the spelling of the JSON files and of every report.
 const char* kindName(ShapeKind kind);
+/// The kind as tables show it: kindName, with "edgelet-" before it for the edgelet classes.
+std::string kindCell(ShapeKind kind, bool edgelet);
 
 /// Holes given to a region that the library refused because they cross its outline. The region
 /// is kept without them; they are kept here so that nothing of the input is lost from reports
@@ -48,6 +50,22 @@ struct Shape {
     /// The shape's position in its file: in the "shapes" array, in COCO's "annotations" array
     /// (skipped annotations leave gaps), or among the archive's objects.
     std::size_t index = 0;
+};
+
+/// What every per-shape report begins with: the shape's position in its file, its kind and its
+/// label.
+struct ShapeHeading {
+    std::size_t index = 0;
+    ShapeKind kind = ShapeKind::contour;
+    bool edgelet = false;
+    unsigned long label = 0;
+
+    /// The heading of `shape` (its label as labelOf gives it).
+    static ShapeHeading of(const Shape& shape);
+    /// The first cells of a table row: index, kind (kindCell) and label.
+    std::vector<std::string> cells() const;
+    /// The first members of a JSON report: "index", "kind", "edgelet" and "label".
+    Json json() const;
 };
 
 /// The shape's label: the contour's or region's own; a set has none of its own and shows its
