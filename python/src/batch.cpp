@@ -186,94 +186,95 @@ const char* const kRaggedDoc =
     "An error of the library is raised for the lowest ring index that has one, as its cntr "
     "exception with the attribute `index`.";
 
-// Defines batch.NAME(coords, offsets, *, threads=None).
-template <class Function>
-void define(py::module_& batch, const char* name, Function function, const char* what) {
-    batch.def(name, function, py::arg("coords"), py::arg("offsets"), py::kw_only(),
-              py::arg("threads") = py::none(), (std::string(what) + kRaggedDoc).c_str());
+// Defines batch.NAME(coords, offsets, *, threads=None), giving `columns` float64 values per ring
+// that measure(ring, values) writes.
+template <class Measure>
+void defineValues(py::module_& batch, const char* name, std::size_t columns, Measure measure,
+                  const char* what) {
+    batch.def(
+        name,
+        [columns, measure](py::handle coords, py::handle offsets, py::handle threads) {
+            return perRingValues(coords, offsets, threads, columns, measure);
+        },
+        py::arg("coords"), py::arg("offsets"), py::kw_only(), py::arg("threads") = py::none(),
+        (std::string(what) + kRaggedDoc).c_str());
+}
+
+// The same with one flag per ring, test(ring).
+template <class Test>
+void defineFlags(py::module_& batch, const char* name, Test test, const char* what) {
+    batch.def(
+        name,
+        [test](py::handle coords, py::handle offsets, py::handle threads) {
+            return perRingFlag(coords, offsets, threads, test);
+        },
+        py::arg("coords"), py::arg("offsets"), py::kw_only(), py::arg("threads") = py::none(),
+        (std::string(what) + kRaggedDoc).c_str());
 }
 
 }  // namespace
 
 void bindBatch(py::module_& batch) {
     using Ring = std::vector<xcVector<2>>;
-    define(
-        batch, "area",
-        [](py::handle coords, py::handle offsets, py::handle threads) {
-            return perRingValues(coords, offsets, threads, 1,
-                                 [](const Ring& ring, double* out) { *out = xf_Area(ring); });
-        },
+    defineValues(
+        batch, "area", 1, [](const Ring& ring, double* out) { *out = xf_Area(ring); },
         "The unsigned area of each ring (xf_Area): 0 for fewer than 3 vertices, NaN for a NaN "
         "coordinate; a (K,) float64 array.");
-    define(
-        batch, "centroid",
-        [](py::handle coords, py::handle offsets, py::handle threads) {
-            return perRingValues(coords, offsets, threads, 2, [](const Ring& ring, double* out) {
-                const xcVector<2> c = xf_CenterOfMass(ring);
-                out[0] = c.x();
-                out[1] = c.y();
-            });
+    defineValues(
+        batch, "centroid", 2,
+        [](const Ring& ring, double* out) {
+            const xcVector<2> c = xf_CenterOfMass(ring);
+            out[0] = c.x();
+            out[1] = c.y();
         },
         "The area centroid of each ring (xf_CenterOfMass), a (K, 2) float64 array; (0, 0) for "
         "rings of 2 vertices or fewer and for rings that enclose (almost) no area (summed cross "
         "products within 1e-6 of 0), the library's convention.");
-    define(
-        batch, "length",
-        [](py::handle coords, py::handle offsets, py::handle threads) {
-            return perRingValues(coords, offsets, threads, 1, [](const Ring& ring, double* out) {
-                *out = cntr::core::outlineLength(cntr::core::OutlineView(ring, true));
-            });
+    defineValues(
+        batch, "length", 1,
+        [](const Ring& ring, double* out) {
+            *out = cntr::core::outlineLength(cntr::core::OutlineView(ring, true));
         },
         "The perimeter of each closed ring; 0 without vertices; a (K,) float64 array.");
-    define(
-        batch, "bounds",
-        [](py::handle coords, py::handle offsets, py::handle threads) {
-            return perRingValues(coords, offsets, threads, 4, [](const Ring& ring, double* out) {
-                if (ring.empty()) {
-                    std::fill(out, out + 4, std::numeric_limits<double>::quiet_NaN());
-                    return;
-                }
-                const xcRect r =
-                    cntr::core::enclosingRect(cntr::core::OutlineView(ring, true), xcXform<2>());
-                out[0] = r.ul().x();
-                out[1] = r.ul().y();
-                out[2] = r.lr().x();
-                out[3] = r.lr().y();
-            });
+    defineValues(
+        batch, "bounds", 4,
+        [](const Ring& ring, double* out) {
+            if (ring.empty()) {
+                std::fill(out, out + 4, std::numeric_limits<double>::quiet_NaN());
+                return;
+            }
+            const xcRect r =
+                cntr::core::enclosingRect(cntr::core::OutlineView(ring, true), xcXform<2>());
+            out[0] = r.ul().x();
+            out[1] = r.ul().y();
+            out[2] = r.lr().x();
+            out[3] = r.lr().y();
         },
         "(minx, miny, maxx, maxy) of each ring, a (K, 4) float64 array; NaN for a ring without "
         "vertices.");
-    define(
-        batch, "convex_hull_area",
-        [](py::handle coords, py::handle offsets, py::handle threads) {
-            return perRingValues(coords, offsets, threads, 1, [](const Ring& ring, double* out) {
-                std::vector<xcVector<2>> hull;
-                xfConvexHull(ring, hull);
-                *out = xf_Area(hull);
-            });
+    defineValues(
+        batch, "convex_hull_area", 1,
+        [](const Ring& ring, double* out) {
+            std::vector<xcVector<2>> hull;
+            xfConvexHull(ring, hull);
+            *out = xf_Area(hull);
         },
         "The area of the convex hull of each ring's vertices (xfConvexHull, then xf_Area); 0 "
         "when the hull is a point or a segment; NotFiniteError for a NaN or infinite "
         "coordinate.");
-    define(
+    defineFlags(
         batch, "is_self_intersecting",
-        [](py::handle coords, py::handle offsets, py::handle threads) {
-            return perRingFlag(coords, offsets, threads, [](const Ring& ring) {
-                return xcContour(ring, true).isSelfIntersecting();
-            });
-        },
+        [](const Ring& ring) { return xcContour(ring, true).isSelfIntersecting(); },
         "Whether each ring, as a closed Contour, has two non-adjacent edges that meet "
         "(Contour.is_self_intersecting); a (K,) bool array.");
-    define(
+    defineFlags(
         batch, "is_valid",
-        [](py::handle coords, py::handle offsets, py::handle threads) {
-            return perRingFlag(coords, offsets, threads, [](const Ring& ring) {
-                try {
-                    return cntr::Polygon(ring).isValid();
-                } catch (const xcContourDefs::BadParams&) {
-                    return false;  // a non-finite coordinate, which a Polygon refuses
-                }
-            });
+        [](const Ring& ring) {
+            try {
+                return cntr::Polygon(ring).isValid();
+            } catch (const xcContourDefs::BadParams&) {
+                return false;  // a non-finite coordinate, which a Polygon refuses
+            }
         },
         "Whether each ring, as a Polygon without holes, is valid (Polygon.is_valid); False for "
         "a ring with a NaN or infinite coordinate; a (K,) bool array.");

@@ -19,6 +19,19 @@ std::string shapeText(const py::array& a) {
     return os.str();
 }
 
+// The values of an array-like of exactly the given shape (`form` describes it in the message).
+py::array_t<double> fixedArray(py::handle values, const char* what,
+                               const std::vector<py::ssize_t>& shape, const char* form) {
+    py::array_t<double> a = realArray(values, what);
+    bool fits = a.ndim() == static_cast<py::ssize_t>(shape.size());
+    for (std::size_t d = 0; fits && d < shape.size(); ++d)
+        fits = a.shape(static_cast<py::ssize_t>(d)) == shape[d];
+    if (!fits)
+        throw py::value_error(std::string(what) + " must be " + form + ", not shape " +
+                              shapeText(a));
+    return a;
+}
+
 void makeReadOnly(py::array& a) {
     a.attr("setflags")(py::arg("write") = false);
 }
@@ -52,20 +65,13 @@ std::vector<xcVector<2>> toPoints(py::handle points, const char* what) {
 }
 
 xcVector<2> toPoint(py::handle point, const char* what) {
-    const py::array_t<double> a = realArray(point, what);
-    if (a.ndim() != 1 || a.shape(0) != 2)
-        throw py::value_error(std::string(what) + " must be a pair of numbers (x, y), not shape " +
-                              shapeText(a));
+    const py::array_t<double> a = fixedArray(point, what, {2}, "a pair of numbers (x, y)");
     return {a.data()[0], a.data()[1]};
 }
 
 xcLineSeg toSegment(py::handle segment) {
-    const py::array_t<double> a = realArray(segment, "segment");
-    if (a.ndim() != 2 || a.shape(0) != 2 || a.shape(1) != 2)
-        throw py::value_error(
-            "segment must be a (2, 2) array: its start and end points, not "
-            "shape " +
-            shapeText(a));
+    const py::array_t<double> a =
+        fixedArray(segment, "segment", {2, 2}, "a (2, 2) array: its start and end points");
     const double* v = a.data();
     return {{v[0], v[1]}, {v[2], v[3]}};
 }
@@ -73,12 +79,8 @@ xcLineSeg toSegment(py::handle segment) {
 xcXform<2> toXform(py::handle matrix) {
     if (matrix.is_none())
         return xcXform<2>();
-    const py::array_t<double> a = realArray(matrix, "xform");
-    if (a.ndim() != 2 || a.shape(0) != 2 || a.shape(1) != 3)
-        throw py::value_error(
-            "xform must be a 2x3 affine matrix [[a, b, tx], [c, d, ty]], not "
-            "shape " +
-            shapeText(a));
+    const py::array_t<double> a =
+        fixedArray(matrix, "xform", {2, 3}, "a 2x3 affine matrix [[a, b, tx], [c, d, ty]]");
     const double* v = a.data();
     return {xcMatrix<2>(v[0], v[1], v[3], v[4]), xcVector<2>(v[2], v[5])};
 }

@@ -61,13 +61,29 @@ Counted<Shape> fromArchiveBytes(const py::bytes& data, const char* pythonName) {
     return Counted<Shape>(handle);
 }
 
-// A shape's archive bytes as its pickled state, and the shape back from them.
+// A new shape of class Shape, filled by the library through fill(shape): the results that the
+// library assigns to an out parameter (hulls, repairs, mapped shapes).
+template <class Shape, class Fill>
+Counted<Shape> filled(Fill fill) {
+    Counted<Shape> shape(new Shape());
+    fill(*shape.get());
+    return shape;
+}
+
+// to_bytes, from_bytes and pickling through the archive bytes.
 template <class Shape>
-auto archivePickle(const char* pythonName) {
-    return py::pickle([](Shape& shape) { return archiveBytes(shape); },
-                      [pythonName](const py::bytes& state) {
-                          return fromArchiveBytes<Shape>(state, pythonName);
-                      });
+void bindArchive(py::class_<Shape, Counted<Shape>>& cls, const char* pythonName,
+                 const char* bytesDoc) {
+    cls.def(
+           "to_bytes", [](Shape& s) { return archiveBytes(s); }, bytesDoc)
+        .def_static(
+            "from_bytes",
+            [pythonName](const py::bytes& b) { return fromArchiveBytes<Shape>(b, pythonName); },
+            py::arg("data"), "The shape stored in archive bytes (see to_bytes).")
+        .def(py::pickle([](Shape& shape) { return archiveBytes(shape); },
+                        [pythonName](const py::bytes& state) {
+                            return fromArchiveBytes<Shape>(state, pythonName);
+                        }));
 }
 
 // ---- arguments ----
@@ -142,8 +158,13 @@ std::string regionRepr(const xcRegion& region) {
     return text + ", " + labelRepr(region.label()) + ")";
 }
 
-// The refused holes as the message of a ValueError, for conversions that cannot return them.
-[[noreturn]] void refuseHoles(const std::vector<cntr::RefusedHole>& refused, bool members) {
+// The shape of a conversion from the polygon values, when it refused no hole; otherwise a
+// ValueError naming the refused holes (and their members, for a set).
+template <class Shape>
+Counted<Shape> allAccepted(const Shape& shape, const std::vector<cntr::RefusedHole>& refused,
+                           bool members) {
+    if (refused.empty())
+        return Counted<Shape>(new Shape(shape));
     std::string which;
     for (std::size_t i = 0; i < refused.size(); ++i) {
         which += i ? ", " : "";
@@ -223,9 +244,7 @@ void bindOutlineQueries(py::class_<Shape, Counted<Shape>>& cls) {
         .def(
             "convex_hull",
             [](const Shape& s) {
-                Counted<xcRegion> hull(new xcRegion());
-                s.convexHull(*hull.get());
-                return hull;
+                return filled<xcRegion>([&](xcRegion& hull) { s.convexHull(hull); });
             },
             "The Region of the convex hull of the vertices, counter-clockwise from the vertex "
             "with the smallest x (then y); collinear and repeated points dropped. "
@@ -241,12 +260,104 @@ void bindOutlineQueries(py::class_<Shape, Counted<Shape>>& cls) {
             "(ellipse, rms): the direct least-squares ellipse fit to the vertices and its rms "
             "orthogonal distance; where the ellipse fit fails (fewer than 5 points, no ellipse), "
             "the circle fit as an Ellipse; the default Ellipse and rms -1.0 when neither fits.")
-        .def(
-            "to_bytes", [](Shape& s) { return archiveBytes(s); },
-            "The library's archive bytes of the shape (holes and regions shared within it are "
-            "stored once and come back shared).")
         .def(py::self == py::self)
         .def(py::self != py::self);
+}
+
+const char* const kShapeBytesDoc =
+    "The library's archive bytes of the shape (holes shared within it are stored once and come "
+    "back shared).";
+
+// ---- the measures and queries that a region and a region set share ----
+
+xcVector<2> centroidOf(xcRegion& region, bool considerHoles) {
+    return regionCentroid(region, considerHoles);
+}
+xcVector<2> centroidOf(xcRegionSet& set, bool considerHoles) {
+    return regionSetCentroid(set, considerHoles);
+}
+
+struct AreaDocs {
+    const char* area;
+    const char* centre;
+    const char* inertia;
+    const char* inside;
+    const char* distance;
+    const char* regularize;
+    const char* outerHull;
+};
+
+const AreaDocs kRegionDocs = {
+    "The unsigned area of the outline, less each hole's outline area with `consider_holes` (a "
+    "hole's own holes are not added back).",
+    "The area centroid (x, y), holes subtracted with `consider_holes`: "
+    "(A c - sum a_h c_h) / (A - sum a_h). (0, 0) for an outline that encloses (almost) no area "
+    "(summed cross products within 1e-6 of 0), the library's convention.",
+    "The central second moments of the outline's area, a 2x2 array [[Ixx, Ixy], [Ixy, Iyy]] "
+    "(integrals of (x - cx)^2 and so on, not divided by the area). BadParamsError with "
+    "`consider_holes` when the region has holes.",
+    "Whether `point` lies inside the outline and, with `consider_holes`, inside none of the "
+    "holes (an island inside a hole counts as inside). A point within 1e-6 of an outline vertex "
+    "counts as inside.",
+    "0 when `zero_inside` and inside(point, consider_holes); otherwise the distance to "
+    "closest_point(point, vertex_only, consider_holes).",
+    "The region itself (a copy, holes shared) when its outline does not cross itself; otherwise "
+    "the region (no holes) of a walk along the outer boundary. BadParamsError ('invalid "
+    "contour') when the walk finds no start or does not close.",
+    "As regularize, with the walk cut into loops where it passes a point twice, inner loops "
+    "dropped and the rest joined into one outline.",
+};
+
+const AreaDocs kRegionSetDocs = {
+    "The sum of the regions' areas; 0 for an empty set.",
+    "The area-weighted mean of the regions' centres of mass; (0, 0) when the areas sum to within "
+    "1e-15 of 0.",
+    "The central inertia matrix of the union of the regions (2x2 array); BadParamsError with "
+    "`consider_holes` when a region has holes.",
+    "Whether some region contains `point` (Region.inside).",
+    "The smallest of the regions' Region.distance; NaN distances are never taken.",
+    "The set itself (a copy) when nothing crosses; otherwise crossing regions merged by one "
+    "ordered pass and every region replaced by its regularize().",
+    "As regularize, with Region.outer_hull applied to every merged region.",
+};
+
+template <class Shape>
+void bindAreaQueries(py::class_<Shape, Counted<Shape>>& cls, const AreaDocs& docs) {
+    cls.def(
+           "area", [](const Shape& s, bool considerHoles) { return s.area(considerHoles); },
+           py::arg("consider_holes") = true, docs.area)
+        .def(
+            "center_of_mass",
+            [](Shape& s, bool considerHoles) { return pointTuple(centroidOf(s, considerHoles)); },
+            py::arg("consider_holes") = true, docs.centre)
+        .def(
+            "inertia_matrix",
+            [](Shape& s, bool considerHoles) {
+                return matrixArray(s.inertiaMatrix(considerHoles));
+            },
+            py::arg("consider_holes") = true, docs.inertia)
+        .def(
+            "inside",
+            [](const Shape& s, py::handle point, bool considerHoles) {
+                return s.inside(toPoint(point), considerHoles);
+            },
+            py::arg("point"), py::arg("consider_holes") = true, docs.inside)
+        .def(
+            "distance",
+            [](const Shape& s, py::handle point, bool vertexOnly, bool considerHoles,
+               bool zeroInside) {
+                return s.distToPoint(toPoint(point), vertexOnly, considerHoles, zeroInside);
+            },
+            py::arg("point"), py::arg("vertex_only") = false, py::arg("consider_holes") = true,
+            py::arg("zero_inside") = false, docs.distance)
+        .def(
+            "regularize",
+            [](const Shape& s) { return filled<Shape>([&](Shape& out) { s.regularize(out); }); },
+            docs.regularize)
+        .def(
+            "outer_hull",
+            [](const Shape& s) { return filled<Shape>([&](Shape& out) { s.outerHull(out); }); },
+            docs.outerHull);
 }
 
 void bindEnums(py::module_& m) {
@@ -320,9 +431,7 @@ void bindContour(py::module_& m) {
         .def(
             "map",
             [](const xcContour& c, py::handle xform) {
-                Counted<xcContour> out(new xcContour());
-                c.map(toXform(xform), *out.get());
-                return out;
+                return filled<xcContour>([&](xcContour& out) { c.map(toXform(xform), out); });
             },
             py::arg("xform"),
             "A new contour of the vertices mapped through `xform` (2x3 affine matrix), with "
@@ -330,18 +439,13 @@ void bindContour(py::module_& m) {
         .def(
             "to_polygon", [](const xcContour& c) { return cntr::Polygon::fromContour(c); },
             "The Polygon of the vertices as a closed ring (open or closed contour alike).")
-        .def_static(
-            "from_bytes",
-            [](const py::bytes& b) { return fromArchiveBytes<xcContour>(b, "cntr.Contour"); },
-            py::arg("data"), "The contour stored in archive bytes (see to_bytes).")
-        .def("__repr__",
-             [](const xcContour& c) {
-                 return "cntr.Contour(" + pointsRepr(c.points()) +
-                        ", closed=" + (c.isClosed() ? "True" : "False") + ", " +
-                        labelRepr(c.label()) + ")";
-             })
-        .def(archivePickle<xcContour>("cntr.Contour"));
+        .def("__repr__", [](const xcContour& c) {
+            return "cntr.Contour(" + pointsRepr(c.points()) +
+                   ", closed=" + (c.isClosed() ? "True" : "False") + ", " + labelRepr(c.label()) +
+                   ")";
+        });
     bindOutlineQueries(contour);
+    bindArchive(contour, "cntr.Contour", kShapeBytesDoc);
 }
 
 void bindRegion(py::module_& m) {
@@ -372,38 +476,6 @@ void bindRegion(py::module_& m) {
             "holes", [](const xcRegion& r) { return regionsList(r.holes()); },
             "The hole regions, a list of Region (the objects the region holds).")
         .def(
-            "area", [](const xcRegion& r, bool considerHoles) { return r.area(considerHoles); },
-            py::arg("consider_holes") = true,
-            "The unsigned area of the outline, less each hole's outline area with "
-            "`consider_holes` (a hole's own holes are not added back).")
-        .def(
-            "center_of_mass",
-            [](xcRegion& r, bool considerHoles) {
-                return pointTuple(regionCentroid(r, considerHoles));
-            },
-            py::arg("consider_holes") = true,
-            "The area centroid (x, y), holes subtracted with `consider_holes`: "
-            "(A c - sum a_h c_h) / (A - sum a_h). (0, 0) for an outline that encloses (almost) "
-            "no area (summed cross products within 1e-6 of 0), the library's convention.")
-        .def(
-            "inertia_matrix",
-            [](xcRegion& r, bool considerHoles) {
-                return matrixArray(r.inertiaMatrix(considerHoles));
-            },
-            py::arg("consider_holes") = true,
-            "The central second moments of the outline's area, a 2x2 array [[Ixx, Ixy], "
-            "[Ixy, Iyy]] (integrals of (x - cx)^2 and so on, not divided by the area). "
-            "BadParamsError with `consider_holes` when the region has holes.")
-        .def(
-            "inside",
-            [](const xcRegion& r, py::handle point, bool considerHoles) {
-                return r.inside(toPoint(point), considerHoles);
-            },
-            py::arg("point"), py::arg("consider_holes") = true,
-            "Whether `point` lies inside the outline and, with `consider_holes`, inside none of "
-            "the holes (an island inside a hole counts as inside). A point within 1e-6 of an "
-            "outline vertex counts as inside.")
-        .def(
             "closest_vertex_index",
             [](const xcRegion& r, py::handle point) {
                 return r.closestVertexIndex(toPoint(point));
@@ -429,16 +501,6 @@ void bindRegion(py::module_& m) {
             "on the edges of the outline and of every hole (the holes are examined whatever "
             "`consider_holes` says: that flag acts only with `vertex_only`).")
         .def(
-            "distance",
-            [](const xcRegion& r, py::handle point, bool vertexOnly, bool considerHoles,
-               bool zeroInside) {
-                return r.distToPoint(toPoint(point), vertexOnly, considerHoles, zeroInside);
-            },
-            py::arg("point"), py::arg("vertex_only") = false, py::arg("consider_holes") = true,
-            py::arg("zero_inside") = false,
-            "0 when `zero_inside` and inside(point, consider_holes); otherwise the distance to "
-            "closest_point(point, vertex_only, consider_holes).")
-        .def(
             "intersections",
             [](xcRegion& r, py::handle segment, bool includeEndTouches, bool considerHoles) {
                 return pointsArray(
@@ -457,30 +519,9 @@ void bindRegion(py::module_& m) {
             "The crossings of `other`'s edges (a Contour or Region) with the outline, followed "
             "with `consider_holes` by the holes'.")
         .def(
-            "regularize",
-            [](const xcRegion& r) {
-                Counted<xcRegion> out(new xcRegion());
-                r.regularize(*out.get());
-                return out;
-            },
-            "The region itself (a copy, holes shared) when its outline does not cross itself; "
-            "otherwise the region (no holes) of a walk along the outer boundary. BadParamsError "
-            "('invalid contour') when the walk finds no start or does not close.")
-        .def(
-            "outer_hull",
-            [](const xcRegion& r) {
-                Counted<xcRegion> out(new xcRegion());
-                r.outerHull(*out.get());
-                return out;
-            },
-            "As regularize, with the walk cut into loops where it passes a point twice, inner "
-            "loops dropped and the rest joined into one outline.")
-        .def(
             "map",
             [](const xcRegion& r, py::handle xform) {
-                Counted<xcRegion> out(new xcRegion());
-                r.map(toXform(xform), *out.get());
-                return out;
+                return filled<xcRegion>([&](xcRegion& out) { r.map(toXform(xform), out); });
             },
             py::arg("xform"),
             "A new region of the outline mapped through `xform` (2x3 affine matrix) with this "
@@ -503,20 +544,15 @@ void bindRegion(py::module_& m) {
             "from_polygon",
             [](const cntr::Polygon& p) {
                 const cntr::RegionConversion converted = cntr::toRegion(p);
-                if (!converted.refused.empty())
-                    refuseHoles(converted.refused, false);
-                return Counted<xcRegion>(new xcRegion(converted.region));
+                return allAccepted(converted.region, converted.refused, false);
             },
             py::arg("polygon"),
             "The Region of a Polygon (label 0); ValueError when it refuses a hole (one that "
             "crosses or touches the outline): Polygon.to_region() returns those beside it.")
-        .def_static(
-            "from_bytes",
-            [](const py::bytes& b) { return fromArchiveBytes<xcRegion>(b, "cntr.Region"); },
-            py::arg("data"), "The region stored in archive bytes (see to_bytes).")
-        .def("__repr__", &regionRepr)
-        .def(archivePickle<xcRegion>("cntr.Region"));
+        .def("__repr__", &regionRepr);
     bindOutlineQueries(region);
+    bindAreaQueries(region, kRegionDocs);
+    bindArchive(region, "cntr.Region", kShapeBytesDoc);
 }
 
 void bindRegionSet(py::module_& m) {
@@ -536,41 +572,6 @@ void bindRegionSet(py::module_& m) {
             "The regions, a list of Region (the objects the set holds).")
         .def("__len__", [](xcRegionSet& s) { return s.regions().size(); })
         .def(
-            "area", [](const xcRegionSet& s, bool considerHoles) { return s.area(considerHoles); },
-            py::arg("consider_holes") = true, "The sum of the regions' areas; 0 for an empty set.")
-        .def(
-            "center_of_mass",
-            [](xcRegionSet& s, bool considerHoles) {
-                return pointTuple(regionSetCentroid(s, considerHoles));
-            },
-            py::arg("consider_holes") = true,
-            "The area-weighted mean of the regions' centres of mass; (0, 0) when the areas sum "
-            "to within 1e-15 of 0.")
-        .def(
-            "inertia_matrix",
-            [](xcRegionSet& s, bool considerHoles) {
-                return matrixArray(s.inertiaMatrix(considerHoles));
-            },
-            py::arg("consider_holes") = true,
-            "The central inertia matrix of the union of the regions (2x2 array); BadParamsError "
-            "with `consider_holes` when a region has holes.")
-        .def(
-            "inside",
-            [](const xcRegionSet& s, py::handle point, bool considerHoles) {
-                return s.inside(toPoint(point), considerHoles);
-            },
-            py::arg("point"), py::arg("consider_holes") = true,
-            "Whether some region contains `point` (Region.inside).")
-        .def(
-            "distance",
-            [](const xcRegionSet& s, py::handle point, bool vertexOnly, bool considerHoles,
-               bool zeroInside) {
-                return s.distToPoint(toPoint(point), vertexOnly, considerHoles, zeroInside);
-            },
-            py::arg("point"), py::arg("vertex_only") = false, py::arg("consider_holes") = true,
-            py::arg("zero_inside") = false,
-            "The smallest of the regions' Region.distance; NaN distances are never taken.")
-        .def(
             "enclose_rect",
             [](xcRegionSet& s, py::handle xform) {
                 const xcRegionSet::RegionHandles regions = s.regions();
@@ -589,57 +590,32 @@ void bindRegionSet(py::module_& m) {
             "is_self_intersecting", [](const xcRegionSet& s) { return s.isSelfIntersecting(); },
             "Whether some region's outline crosses itself or another region's outline (holes "
             "are not examined); False for an empty set.")
-        .def(
-            "regularize",
-            [](const xcRegionSet& s) {
-                Counted<xcRegionSet> out(new xcRegionSet());
-                s.regularize(*out.get());
-                return out;
-            },
-            "The set itself (a copy) when nothing crosses; otherwise crossing regions merged by "
-            "one ordered pass and every region replaced by its regularize().")
-        .def(
-            "outer_hull",
-            [](const xcRegionSet& s) {
-                Counted<xcRegionSet> out(new xcRegionSet());
-                s.outerHull(*out.get());
-                return out;
-            },
-            "As regularize, with Region.outer_hull applied to every merged region.")
         .def("to_multipolygon", &cntr::MultiPolygon::fromRegionSet,
              "The members MultiPolygon.from_region gives for each region, in order.")
         .def_static(
             "from_multipolygon",
             [](const cntr::MultiPolygon& mp) {
                 const cntr::RegionSetConversion converted = cntr::toRegionSet(mp);
-                if (!converted.refused.empty())
-                    refuseHoles(converted.refused, true);
-                return Counted<xcRegionSet>(new xcRegionSet(converted.set));
+                return allAccepted(converted.set, converted.refused, true);
             },
             py::arg("multipolygon"),
             "One Region per member; ValueError when a region refuses a hole: "
             "MultiPolygon.to_region_set() returns those beside the set.")
-        .def_static(
-            "from_bytes",
-            [](const py::bytes& b) { return fromArchiveBytes<xcRegionSet>(b, "cntr.RegionSet"); },
-            py::arg("data"), "The region set stored in archive bytes (see to_bytes).")
-        .def(
-            "to_bytes", [](xcRegionSet& s) { return archiveBytes(s); },
-            "The library's archive bytes of the set; a region or hole held twice is stored once "
-            "and comes back shared.")
         .def(py::self == py::self, "Region by region, outlines only, in order.")
         .def(py::self != py::self)
-        .def("__repr__",
-             [](xcRegionSet& s) {
-                 const xcRegionSet::RegionHandles regions = s.regions();
-                 if (regions.size() > 3)
-                     return "cntr.RegionSet(<" + std::to_string(regions.size()) + " regions>)";
-                 std::string text = "cntr.RegionSet([";
-                 for (std::size_t i = 0; i < regions.size(); ++i)
-                     text += (i ? ", " : "") + regionRepr(*regions[i]);
-                 return text + "])";
-             })
-        .def(archivePickle<xcRegionSet>("cntr.RegionSet"));
+        .def("__repr__", [](xcRegionSet& s) {
+            const xcRegionSet::RegionHandles regions = s.regions();
+            if (regions.size() > 3)
+                return "cntr.RegionSet(<" + std::to_string(regions.size()) + " regions>)";
+            std::string text = "cntr.RegionSet([";
+            for (std::size_t i = 0; i < regions.size(); ++i)
+                text += (i ? ", " : "") + regionRepr(*regions[i]);
+            return text + "])";
+        });
+    bindAreaQueries(set, kRegionSetDocs);
+    bindArchive(set, "cntr.RegionSet",
+                "The library's archive bytes of the set; a region or hole held twice is stored "
+                "once and comes back shared.");
 }
 
 }  // namespace

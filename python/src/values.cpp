@@ -55,11 +55,14 @@ std::vector<cntr::Polygon> toPolygons(py::iterable polygons) {
     return members;
 }
 
-py::list refusedList(const std::vector<cntr::RefusedHole>& refused) {
-    py::list list;
+// (shape, refused): the shape a conversion to the described classes made, and the holes its
+// regions refused as RefusedHole objects.
+template <class Shape>
+py::tuple withRefused(const Shape& shape, const std::vector<cntr::RefusedHole>& refused) {
+    py::list holes;
     for (const cntr::RefusedHole& hole : refused)
-        list.append(py::cast(hole));
-    return list;
+        holes.append(py::cast(hole));
+    return py::make_tuple(Counted<Shape>(new Shape(shape)), holes);
 }
 
 const char* const kValidityDoc =
@@ -276,9 +279,8 @@ void bindPolygon(py::module_& m) {
         .def(
             "to_region",
             [](const cntr::Polygon& p) {
-                cntr::RegionConversion converted = cntr::toRegion(p);
-                return py::make_tuple(Counted<xcRegion>(new xcRegion(converted.region)),
-                                      refusedList(converted.refused));
+                const cntr::RegionConversion converted = cntr::toRegion(p);
+                return withRefused(converted.region, converted.refused);
             },
             "(region, refused): the Region of the exterior with the holes it accepts, and the "
             "holes it refused (a hole that crosses or touches the outline) as RefusedHole "
@@ -340,9 +342,8 @@ void bindMultiPolygon(py::module_& m) {
         .def(
             "to_region_set",
             [](const cntr::MultiPolygon& mp) {
-                cntr::RegionSetConversion converted = cntr::toRegionSet(mp);
-                return py::make_tuple(Counted<xcRegionSet>(new xcRegionSet(converted.set)),
-                                      refusedList(converted.refused));
+                const cntr::RegionSetConversion converted = cntr::toRegionSet(mp);
+                return withRefused(converted.set, converted.refused);
             },
             "(region_set, refused): one Region per member, as Polygon.to_region, and the holes "
             "the regions refused.")
