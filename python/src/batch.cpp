@@ -11,6 +11,7 @@
 #include <exception>
 #include <limits>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -78,17 +79,19 @@ Rings toRings(py::handle coords, py::handle offsets) {
     return rings;
 }
 
+// The threads to start: as asked (every core for None), no more than one per ring, at least one.
 std::size_t threadCount(py::handle threads, std::size_t rings) {
-    std::size_t n = 0;
+    std::size_t n = rings;
     if (threads.is_none()) {
-        n = std::thread::hardware_concurrency();
+        n = std::min<std::size_t>(n, std::thread::hardware_concurrency());
     } else {
-        const long long asked = threads.cast<long long>();
-        if (asked < 1)
+        const py::int_ asked = toInteger(threads);
+        if (asked < py::int_(1))
             throw py::value_error("threads must be at least 1 (or None for every core)");
-        n = static_cast<std::size_t>(asked);
+        if (asked < py::int_(n))
+            n = asked.cast<std::size_t>();
     }
-    return std::max<std::size_t>(1, std::min(n, rings));
+    return std::max<std::size_t>(1, n);
 }
 
 // Calls measure(k, ring) for every ring k, spread over `threads` threads (the calling one among
@@ -126,8 +129,12 @@ void forEachRing(const Rings& rings, std::size_t threads, Measure measure) {
     {
         py::gil_scoped_release release;
         std::vector<std::thread> pool;
-        for (std::size_t t = 1; t < threads; ++t)
-            pool.emplace_back(work, t);
+        try {
+            for (std::size_t t = 1; t < threads; ++t)
+                pool.emplace_back(work, t);
+        } catch (const std::system_error&) {
+            // The system would start no more threads: those started and this one share the rings.
+        }
         work(0);
         for (std::thread& t : pool)
             t.join();

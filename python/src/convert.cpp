@@ -85,13 +85,16 @@ xcXform<2> toXform(py::handle matrix) {
     return {xcMatrix<2>(v[0], v[1], v[3], v[4]), xcVector<2>(v[2], v[5])};
 }
 
-unsigned long toLabel(py::handle label) {
-    constexpr unsigned long kLargest = 4294967295u;
-    // Any integer type (numpy's too); a float or a string raises Python's own TypeError.
-    PyObject* index = PyNumber_Index(label.ptr());
+py::int_ toInteger(py::handle value) {
+    PyObject* index = PyNumber_Index(value.ptr());
     if (!index)
         throw py::error_already_set();
-    const py::int_ value = py::reinterpret_steal<py::int_>(index);
+    return py::reinterpret_steal<py::int_>(index);
+}
+
+unsigned long toLabel(py::handle label) {
+    constexpr unsigned long kLargest = 4294967295u;
+    const py::int_ value = toInteger(label);
     if (value < py::int_(0) || value > py::int_(kLargest))
         throw py::value_error(
             "label must be from 0 to 4294967295 (the labels an archive "

@@ -53,6 +53,9 @@ xcLineSeg toSegment(py::handle segment);
 /// matrices: x' = a x + b y + tx, y' = c x + d y + ty); None is the identity.
 xcXform<2> toXform(py::handle matrix);
 
+/// An integer of any integer type (numpy's too); anything else raises Python's own TypeError.
+py::int_ toInteger(py::handle value);
+
 /// A label: an integer from 0 to 2^32 - 1, the range the library's archives store.
 unsigned long toLabel(py::handle label);
 

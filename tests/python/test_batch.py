@@ -131,6 +131,10 @@ def test_bad_arguments():
     with pytest.raises(ValueError, match="at least 1"):
         batch.area(np.zeros((4, 2)), [0, 4], threads=0)
     with pytest.raises(TypeError):
+        batch.area(np.zeros((4, 2)), [0, 4], threads=1.5)
+    assert batch.area(np.zeros((4, 2)), [0, 4], threads=np.int64(10**6)).tolist() == [0.0]
+    assert batch.area(np.zeros((4, 2)), [0, 4], threads=10**30).tolist() == [0.0]
+    with pytest.raises(TypeError):
         batch.area(np.zeros((4, 2)), [0, 4], 2)  # threads is keyword-only
 
 
