@@ -328,7 +328,10 @@ private:
     static xc_Instantiator sExemplar;
 
     xcRect rectOf(const xcXform<2>& xform) const;
-    xcCircle circleOf(xcContourDefs::DiameterMode mode) const;
+    // The circle of a mode, refusing any value outside the enumeration. The mode is taken by
+    // reference and read as its underlying integer, so an out-of-range value is never loaded as
+    // the enumeration type.
+    xcCircle circleOf(const xcContourDefs::DiameterMode& mode) const;
     std::vector<xcVector<2>> hitsAlong(const xcLineSeg& seg, std::vector<int>& edgeIndices,
                                        bool includeEndTouches) const;
     // The hits of the segment query, from the index where it serves, else from every edge of the

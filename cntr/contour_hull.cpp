@@ -1,16 +1,14 @@
 // The contour's convex hull (as a region) and fitted ellipse, both cached.
 #include <cntr/contour.h>
-#include <cntr/moments.h>
+#include <cntr/core/ellipse.h>
+#include <cntr/core/hull.h>
 #include <cntr/region.h>
-#include <foundation/hull.h>
 
 void xcContour::convexHull(xcRegion& hull) const {
     checkEmptyContour();
     if (!caches_.convexHull.valid) {
-        std::vector<xcVector<2>> hullPoints;
-        xfConvexHull(points_, hullPoints);
-        caches_.convexHull.value =
-            xcPtrHandle_const<xcRegion>(new xcRegion(hullPoints, xcContourDefs::keepOutline));
+        caches_.convexHull.value = xcPtrHandle_const<xcRegion>(
+            new xcRegion(cntr::core::convexHull(points_), xcContourDefs::keepOutline));
         caches_.convexHull.valid = true;
     }
     // Held during the assignment: when `hull` is this contour (a region asked for its own hull),
@@ -22,9 +20,8 @@ void xcContour::convexHull(xcRegion& hull) const {
 void xcContour::fitEllipse(xcEllipse& ellipse, double& rms) const {
     checkEmptyContour();
     const xn_contourDetail::EllipseFit& fit = caches_.fittedEllipse.get([&] {
-        xn_contourDetail::EllipseFit computed;
-        xf_FitEllipse(points_, computed.ellipse, computed.residual);
-        return computed;
+        const cntr::core::EllipseFit computed = cntr::core::fitEllipse(points_);
+        return xn_contourDetail::EllipseFit{computed.ellipse, computed.rms};
     });
     ellipse = fit.ellipse;
     rms = fit.residual;

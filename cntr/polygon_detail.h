@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <cntr/core/edge_index.h>
+#include <cntr/core/point_locator.h>
 #include <cntr/polygon.h>
 
 namespace cntr {
@@ -25,6 +26,8 @@ struct Polygon::Data {
     mutable std::vector<std::shared_ptr<const core::EdgeIndex>> indexes;
     mutable std::once_flag validityOnce;
     mutable Validity validity;
+    mutable std::once_flag locatorOnce;
+    mutable std::unique_ptr<const core::PointLocator> locator;
 };
 
 struct MultiPolygon::Data {
@@ -34,6 +37,8 @@ struct MultiPolygon::Data {
 
     mutable std::once_flag validityOnce;
     mutable Validity validity;
+    mutable std::once_flag locatorOnce;
+    mutable std::unique_ptr<const core::PointLocator> locator;
 };
 
 namespace detail {

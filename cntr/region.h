@@ -147,6 +147,13 @@ class CNTR_API xcRegion : public virtual xcContour {
     /// Only the outline's edge index is cached (built by the first call on an outline of a few
     /// dozen edges or more; see xcContour::intersections). Throws EmptyContour for fewer than 2
     /// outline vertices.
+    ///
+    /// Cost: linear in the outline's vertices for every point inside its bounding rectangle,
+    /// because the ray's direction depends on the directions to all of them. Measured on 10,000
+    /// points over the bounding box, this is 5 to 451 times GEOS's prepared containment (spiky
+    /// stars of 16k vertices to blobs of 256k). Many points on one shape are located far faster
+    /// by cntr::Polygon::locate, which answers the true containment (inside, boundary or
+    /// outside) through a prepared locator.
     bool inside(const xcVector<2>& point, bool considerHoles) const;
 
     // ---- nearest points and intersections ----

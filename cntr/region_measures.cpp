@@ -1,5 +1,6 @@
 // Area, centre of mass and inertia of a region, with and without its holes.
-#include <cntr/moments.h>
+#include <cntr/core/inertia.h>
+#include <cntr/core/moments.h>
 #include <cntr/region.h>
 #include <cntr/region_detail.h>
 
@@ -8,7 +9,7 @@ using namespace xn_regionDetail;
 double xcRegion::area(bool considerHoles) const {
     checkEmptyContour();
     if (!considerHoles)
-        return caches_.area[0].get([&] { return xf_Area(points()); });
+        return caches_.area[0].get([&] { return cntr::core::polygonArea(points()); });
     return caches_.area[1].get([&] {
         double a = area(false);
         for (const xcPtrHandle_const<xcRegion>& hole : holes_)
@@ -20,7 +21,7 @@ double xcRegion::area(bool considerHoles) const {
 xcVector<2> xcRegion::centerOfMass(bool considerHoles) {
     checkEmptyContour();
     if (!considerHoles || holes_.empty())
-        return caches_.center[0].get([&] { return xf_CenterOfMass(points()); });
+        return caches_.center[0].get([&] { return cntr::core::polygonCentroid(points()); });
     // The with-holes slot is returned once the flag is set, but the centroid computed below is
     // never written into it: that is the defined behaviour of this cache.
     if (caches_.center[1].valid)
@@ -40,5 +41,5 @@ xcMatrix<2> xcRegion::inertiaMatrix(bool considerHoles) {
     checkEmptyContour();
     if (considerHoles && !holes_.empty())
         throw xcContourDefs::BadParams(L"inertiaMatrix(considerHoles) is not implemented");
-    return caches_.inertia[0].get([&] { return xf_InertiaDataPolygon(points()).inertiaMatrix(); });
+    return caches_.inertia[0].get([&] { return cntr::core::polygonInertia(points()).moments; });
 }

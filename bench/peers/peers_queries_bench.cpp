@@ -1,5 +1,6 @@
 // Batched queries against one outline, ours against the peers': containment of 10,000 points
-// (GEOS prepared contains, OpenCV pointPolygonTest, Boost.Geometry within), distance from 10,000
+// (GEOS prepared contains, OpenCV pointPolygonTest, Boost.Geometry within) by the described
+// region's inside and by the polygon's prepared locator, distance from 10,000
 // points (Boost.Geometry distance through an rtree of the edges, GEOS prepared distance) and the
 // crossings of 1,000 segments (Boost.Geometry through an rtree of the edges, Clipper clipping
 // the segments as open paths).
@@ -17,6 +18,8 @@
 #include <opencv2/imgproc.hpp>
 
 #include <cntr/contour.h>
+#include <cntr/core/point_locator.h>
+#include <cntr/polygon.h>
 #include <cntr/region.h>
 
 #include "peers_adapters.h"
@@ -151,6 +154,55 @@ void registerInside() {
         const std::vector<BPoint> queries = boostPoints(in.queryPoints);
         const xcRegion r(in.points, xcContourDefs::keepOutline);
         if (!agreeCount(state, "points inside", oursInside(r, in.queryPoints),
+                        boostInside(polygon, queries)))
+            return;
+        markChecked(state, true);
+        for (auto _ : state)
+            benchmark::DoNotOptimize(boostInside(polygon, queries));
+    });
+}
+
+// ---- prepared point location ----
+
+// The points the polygon's locator finds inside, the locator built inside the timing (a new
+// polygon each time).
+long long oursLocated(const Points& outline, const Points& queries) {
+    const cntr::Polygon polygon(outline);
+    long long count = 0;
+    for (cntr::Location found : polygon.locate(queries))
+        count += found == cntr::Location::inside ? 1 : 0;
+    return count;
+}
+
+void registerLocate() {
+    // The locator's construction alone, to set beside the self-intersection test of the same
+    // outline (isSelfIntersecting/.../ours).
+    addStars("locatorBuild", "ours", [](benchmark::State& state, const Input& in) {
+        for (auto _ : state) {
+            const cntr::core::PointLocator locator({&in.points});
+            benchmark::DoNotOptimize(locator.bandCount());
+        }
+    });
+    addStars("locate", "ours", [](benchmark::State& state, const Input& in) {
+        for (auto _ : state)
+            benchmark::DoNotOptimize(oursLocated(in.points, in.queryPoints));
+    });
+    addStars("locate", "geos_prepared_contains", [](benchmark::State& state, const Input& in) {
+        const GeosGeometry polygon = geosPolygon(in.points);
+        std::vector<GeosGeometry> queries;
+        for (const xcVector<2>& q : in.queryPoints)
+            queries.push_back(geosPoint(q));
+        if (!agreeCount(state, "points inside", oursLocated(in.points, in.queryPoints),
+                        geosInside(polygon.get(), queries)))
+            return;
+        markChecked(state, true);
+        for (auto _ : state)
+            benchmark::DoNotOptimize(geosInside(polygon.get(), queries));
+    });
+    addStars("locate", "boost_within", [](benchmark::State& state, const Input& in) {
+        const BPolygon polygon = toBoostPolygon(in.points);
+        const std::vector<BPoint> queries = boostPoints(in.queryPoints);
+        if (!agreeCount(state, "points inside", oursLocated(in.points, in.queryPoints),
                         boostInside(polygon, queries)))
             return;
         markChecked(state, true);
@@ -307,7 +359,8 @@ void registerCrossings() {
     });
 }
 
-const bool registered = (registerInside(), registerDistance(), registerCrossings(), true);
+const bool registered =
+    (registerInside(), registerLocate(), registerDistance(), registerCrossings(), true);
 
 }  // namespace
 }  // namespace peers

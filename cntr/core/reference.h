@@ -64,6 +64,18 @@ CNTR_API long referenceCrossingCount(const OutlineView& outline, const xcVector<
 /// The sum of the edge lengths in edge order; 0 without vertices.
 CNTR_API double referenceLength(const OutlineView& outline);
 
+// ---- area and centroid ----
+
+/// The unsigned area of the polygon (the vertices read as closed, see moments.h): half the
+/// absolute sum of cross(previous, current), added in edge order, closing edge first; 0 without
+/// vertices.
+CNTR_API double referenceArea(const std::vector<xcVector<2>>& polygon);
+
+/// The area centroid of the polygon from its fan triangles (origin, previous, current) one by
+/// one, in edge order (see polygonCentroid for the weights, the skipped triangles, the (0, 0)
+/// cases and the throw).
+CNTR_API xcVector<2> referenceCentroid(const std::vector<xcVector<2>>& polygon);
+
 // ---- nearest point ----
 
 /// The point of the outline's edges nearest to `point`: the edge at the smallest distance (its

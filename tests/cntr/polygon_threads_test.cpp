@@ -1,5 +1,5 @@
-// Eight threads ask one shared polygon (and multipolygon) for its prepared data and validity at
-// the same moment; every thread must see what a single thread computes, bit for bit.
+// Eight threads ask one shared polygon (and multipolygon) for its prepared data, validity and
+// point locations at the same moment; every thread must see what a single thread computes, bit for bit.
 #include <atomic>
 #include <cmath>
 #include <cstring>
@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cntr/core/edge_index.h>
+#include <cntr/core/point_locator.h>
 #include <cntr/polygon.h>
 
 namespace {
@@ -56,7 +57,19 @@ struct Seen {
     std::vector<const cntr::core::EdgeIndex*> indexes;
     Validity validity;
     Validity multiValidity;
+    const cntr::core::PointLocator* locator = nullptr;
+    std::vector<cntr::Location> locations;
+    std::vector<cntr::Location> multiLocations;
 };
+
+// Points on a grid over the polygon's bounds and beyond, some on its vertices.
+std::vector<xcVector<2>> probePoints(const Ring& exterior) {
+    std::vector<xcVector<2>> points(exterior.begin(), exterior.begin() + 10);
+    for (int i = -40; i <= 40; ++i)
+        for (int j = -40; j <= 40; ++j)
+            points.push_back({3.0 * i + 0.25, 3.0 * j});
+    return points;
+}
 
 // Runs `work` on kThreads threads released together.
 template <class Work>
@@ -86,13 +99,22 @@ void checkAgainstSingleThread(const std::vector<Ring>& rings, const Ring& otherM
             s.indexes.push_back(shared.edgeIndex(r));
         s.validity = shared.validity();
         s.multiValidity = sharedMulti.validity();
+        s.locator = &shared.locator();
+        s.locations = shared.locate(probePoints(rings[0]));
+        s.multiLocations = sharedMulti.locate(probePoints(rings[0]), 0.5);
         return s;
     });
 
     // Computed apart, on one thread, from polygons that share nothing with the ones above.
     const Polygon alone(rings[0], holes);
     const MultiPolygon aloneMulti({Polygon(rings[0], holes), Polygon(otherMember)});
+    const std::vector<cntr::Location> locations = alone.locate(probePoints(rings[0]));
+    const std::vector<cntr::Location> multiLocations =
+        aloneMulti.locate(probePoints(rings[0]), 0.5);
     for (const Seen& s : seen) {
+        EXPECT_EQ(s.locator, seen[0].locator);  // one locator, built once
+        EXPECT_EQ(s.locations, locations);
+        EXPECT_EQ(s.multiLocations, multiLocations);
         EXPECT_TRUE(sameBits(s.validity, alone.validity()));
         EXPECT_TRUE(sameBits(s.multiValidity, aloneMulti.validity()));
         ASSERT_EQ(s.indexes.size(), alone.ringCount());

@@ -13,13 +13,18 @@
 #include <cntr/core/circles.h>
 #include <cntr/core/containment.h>
 #include <cntr/core/edge_index.h>
+#include <cntr/core/ellipse.h>
 #include <cntr/core/extent.h>
+#include <cntr/core/hull.h>
+#include <cntr/core/inertia.h>
 #include <cntr/core/length.h>
 #include <cntr/core/loops.h>
+#include <cntr/core/moments.h>
 #include <cntr/core/nearest.h>
 #include <cntr/core/prepared_outline.h>
 #include <cntr/core/reference.h>
 #include <cntr/core/segment_hits.h>
+#include <cntr/core/statistics.h>
 #include <cntr/core/walk.h>
 #include <foundation/random.h>
 
@@ -72,6 +77,19 @@ void record(std::vector<std::uint64_t>& out, const xcVector<2>& v) {
     record(out, v.x());
     record(out, v.y());
 }
+void record(std::vector<std::uint64_t>& out, const InertiaRecord& r) {
+    record(out, r.area);
+    record(out, r.centre);
+    for (int i = 0; i < 2; ++i)
+        for (int j = 0; j < 2; ++j)
+            record(out, r.moments.element(i, j));
+}
+void record(std::vector<std::uint64_t>& out, const xcEllipse& e) {
+    record(out, e.center().vector());
+    record(out, e.r1());
+    record(out, e.r2());
+    record(out, e.rotation().toDouble());
+}
 void record(std::vector<std::uint64_t>& out, const std::vector<SegmentHit>& hits) {
     out.push_back(hits.size());
     for (const SegmentHit& h : hits) {
@@ -111,6 +129,24 @@ std::vector<std::uint64_t> workload(const SharedShape& s, const Queries& q) {
     record(out,
            enclosingRect(outline, xcXform<2>(xcMatrix<2>(0.5, 1, -1, 2), xcVector<2>(3, 4))).lr());
     record(out, referenceLength(outline));
+    record(out, polygonArea(s.points));
+    record(out, referenceArea(s.points));
+    record(out, polygonCentroid(s.points));
+    record(out, referenceCentroid(s.points));
+    const InertiaRecord inertia = polygonInertia(s.points);
+    record(out, inertia);
+    record(out, ellipseOfMoments(inertia.centre, inertia.moments));
+    const EllipseFit fit = fitEllipse(s.points);
+    record(out, fit.ellipse);
+    record(out, fit.rms);
+    std::vector<double> xs;
+    for (const xcVector<2>& p : s.points)
+        xs.push_back(p.x());
+    record(out, standardDeviation(xs));
+    for (const xcVector<2>& v : convexHull(s.points))
+        record(out, v);
+    record(out, combinedInertia(inertia, InertiaRecord{-1.0, xcVector<2>(40, 60),
+                                                       xcMatrix<2>(0.5, 0.1, 0.1, 0.25)}));
     record(out, furthestPairCircle(outline).center());
     record(out, fromFirstVertexCircle(outline).radius());
     record(out, medianEdgeLength(s.table));

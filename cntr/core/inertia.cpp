@@ -1,14 +1,16 @@
-// Central second moments of triangles and polygons, and the combination of inertia records.
+// The second moments of a polygon from its fan of triangles, and the combination of moment
+// records by the parallel-axis theorem.
+#include <cntr/core/inertia.h>
+
 #include <cmath>
 #include <cstddef>
-#include <vector>
 
-#include <cntr/moments.h>
+#include <cntr/core/moments.h>
+#include <cntr/tolerances.h>
 #include <foundation/exception.h>
 #include <foundation/geometry.h>
-#include <cntr/tolerances.h>
 
-using namespace cntr;
+namespace cntr::core {
 
 namespace {
 
@@ -23,8 +25,8 @@ bool isNeutralArea(double area) {
 /// Moments of the triangle (-a, 0), (b, 0), (0, h) with a, b, h >= 0: the base lies on the x axis
 /// with the foot of the altitude at the origin. Inside this helper the matrix holds the moment
 /// about the x axis (the integral of y^2) at (0,0) and the integral of x^2 at (1,1), the reverse
-/// of the public layout; triangleOnBase() reads it in this layout.
-xc_InertiaData canonicalTriangleInertiaData(double a, double b, double h) {
+/// of InertiaRecord's layout; triangleOnBase() reads it in this layout.
+InertiaRecord canonicalTriangleInertia(double a, double b, double h) {
     const double s = a + b;
     const double area = s * h / 2.0;
     const double gx = (b - a) / 3.0;
@@ -37,19 +39,19 @@ xc_InertiaData canonicalTriangleInertiaData(double a, double b, double h) {
     jy -= area * gy * gy;
     jx -= area * gx * gx;
     jxy -= area * gx * gy;
-    return xc_InertiaData(area, xcVector<2>(gx, gy), xcMatrix<2>(jy, jxy, jxy, jx));
+    return {area, xcVector<2>(gx, gy), xcMatrix<2>(jy, jxy, jxy, jx)};
 }
 
 /// Moments of triangle (p0, p1, p2) in world coordinates, using p0-p1 (whose line is `base`) as
 /// the base; the foot of the altitude from p2 must lie on that side.
-xc_InertiaData triangleOnBase(const xcVector<2>& p0, const xcVector<2>& p1, const xcVector<2>& p2,
-                              const xcLine& base) {
+InertiaRecord triangleOnBase(const xcVector<2>& p0, const xcVector<2>& p1, const xcVector<2>& p2,
+                             const xcLine& base) {
     const xcVector<2> foot = base.proj(p2);
-    const xc_InertiaData canonical = canonicalTriangleInertiaData(
-        (foot - p0).length(), (foot - p1).length(), (foot - p2).length());
-    double area = canonical.area();
-    xcVector<2> g = canonical.centerOfMass();
-    const xcMatrix<2>& m = canonical.inertiaMatrix();
+    const InertiaRecord canonical =
+        canonicalTriangleInertia((foot - p0).length(), (foot - p1).length(), (foot - p2).length());
+    double area = canonical.area;
+    xcVector<2> g = canonical.centre;
+    const xcMatrix<2>& m = canonical.moments;
     const double jy = m.element(0, 0);
     const double jx = m.element(1, 1);
     double jxy = m.element(0, 1);
@@ -67,14 +69,14 @@ xc_InertiaData triangleOnBase(const xcVector<2>& p0, const xcVector<2>& p1, cons
     const double yy = jx * s * s + 2.0 * jxy * s * c + jy * c * c;
     const double xy = jx * s * c + jxy * (c * c - s * s) - jy * s * c;
     const xcVector<2> center = foot + xcMatrix<2>(theta, theta, 1.0, 1.0) * g;
-    return xc_InertiaData(area, center, xcMatrix<2>(xx, xy, xy, yy));
+    return {area, center, xcMatrix<2>(xx, xy, xy, yy)};
 }
 
-/// Moments of triangle (p0, p1, p2) in world coordinates (sign convention of xc_InertiaData).
+/// Moments of triangle (p0, p1, p2) in world coordinates (sign convention of InertiaRecord).
 /// The corners are rotated (keeping the orientation) until the foot of the altitude onto the
 /// side p0-p1 lies within that side. A true triangle always has such a side; when rounding
 /// rejects all three, trying again would never end, so this throws xcMathError::Singular.
-xc_InertiaData triangleInertiaData(xcVector<2> p0, xcVector<2> p1, xcVector<2> p2) {
+InertiaRecord triangleInertia(xcVector<2> p0, xcVector<2> p1, xcVector<2> p2) {
     for (int side = 0; side < kTriangleSides; ++side) {
         const xcLineSeg seg(p0, p1);
         const xcLine line = seg.line();
@@ -91,75 +93,75 @@ xc_InertiaData triangleInertiaData(xcVector<2> p0, xcVector<2> p1, xcVector<2> p
 
 /// Adds into `total`, in index order, every unmarked record that `admit` accepts, and marks it.
 template <class Admit>
-void addPass(xc_InertiaData& total, const std::vector<xc_InertiaData>& fan,
-             std::vector<bool>& added, Admit admit) {
+void addPass(InertiaRecord& total, const std::vector<InertiaRecord>& fan, std::vector<bool>& added,
+             Admit admit) {
     for (std::size_t i = 0; i < fan.size(); ++i) {
-        if (added[i] || !admit(fan[i].area()))
+        if (added[i] || !admit(fan[i].area))
             continue;
-        total = total + fan[i];
+        total = combinedInertia(total, fan[i]);
         added[i] = true;
     }
 }
 
 }  // namespace
 
-xc_InertiaData xc_InertiaData::operator+(const xc_InertiaData& other) {
-    if (isNeutralArea(area_))
-        return other;
-    if (isNeutralArea(other.area_))
-        return *this;
+InertiaRecord combinedInertia(const InertiaRecord& first, const InertiaRecord& second) {
+    if (isNeutralArea(first.area))
+        return second;
+    if (isNeutralArea(second.area))
+        return first;
 
-    const double area = area_ + other.area_;
+    const double area = first.area + second.area;
     xcVector<2> center;
     if (std::fabs(area) > kNegligibleCombinedArea)
-        center = (other.center_ * other.area_ + center_ * area_) / area;
-    const xcVector<2> dA = center - center_;
-    const xcVector<2> dB = center - other.center_;
+        center = (second.centre * second.area + first.centre * first.area) / area;
+    const xcVector<2> dA = center - first.centre;
+    const xcVector<2> dB = center - second.centre;
 
     // Parallel-axis weights and matrix factors. Same sign: plain sum with |area| weights.
     // Opposite signs (or a NaN product): signed weights, and the member with the smaller signed
     // area has its central moments subtracted.
-    double wA = area_;
-    double wB = other.area_;
+    double wA = first.area;
+    double wB = second.area;
     double fA = 1.0;
     double fB = 1.0;
-    const double product = area_ * other.area_;
+    const double product = first.area * second.area;
     if (product > 0.0) {
         wA = std::fabs(wA);
         wB = std::fabs(wB);
     } else if (!(product >= 0.0)) {
-        if (area_ > other.area_)
+        if (first.area > second.area)
             fB = -1.0;
         else
             fA = -1.0;
     }
 
-    const xcMatrix<2>& a = inertia_;
-    const xcMatrix<2>& b = other.inertia_;
+    const xcMatrix<2>& a = first.moments;
+    const xcMatrix<2>& b = second.moments;
     const double xx =
         fA * a.element(0, 0) + wA * dA.x() * dA.x() + fB * b.element(0, 0) + wB * dB.x() * dB.x();
     const double yy =
         fA * a.element(1, 1) + wA * dA.y() * dA.y() + fB * b.element(1, 1) + wB * dB.y() * dB.y();
     const double xy =
         fA * a.element(0, 1) + wA * dA.x() * dA.y() + fB * b.element(0, 1) + wB * dB.x() * dB.y();
-    return xc_InertiaData(area, center, xcMatrix<2>(xx, xy, xy, yy));
+    return {area, center, xcMatrix<2>(xx, xy, xy, yy)};
 }
 
-xc_InertiaData xf_InertiaDataPolygon(const std::vector<xcVector<2>>& points) {
-    xc_InertiaData total;
+InertiaRecord polygonInertia(const std::vector<xcVector<2>>& points) {
+    InertiaRecord total;
     const std::size_t n = points.size();
     if (n < 3)
         return total;
 
     // Fan of triangles (centroid, previous, current), one per edge, closing edge first.
-    const xcVector<2> c = xnContour::centerOfMass(points);
-    std::vector<xc_InertiaData> fan;
+    const xcVector<2> c = polygonCentroid(points);
+    std::vector<InertiaRecord> fan;
     fan.reserve(n);
     double sum = 0.0;
     xcVector<2> previous = points.back();
     for (const xcVector<2>& current : points) {
-        fan.push_back(triangleInertiaData(c, previous, current));
-        sum += fan.back().area();
+        fan.push_back(triangleInertia(c, previous, current));
+        sum += fan.back().area;
         previous = current;
     }
     const double mean = sum / static_cast<double>(n);
@@ -177,3 +179,5 @@ xc_InertiaData xf_InertiaDataPolygon(const std::vector<xcVector<2>>& points) {
     addPass(total, fan, added, [](double) { return true; });
     return total;
 }
+
+}  // namespace cntr::core
