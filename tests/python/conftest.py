@@ -36,6 +36,21 @@ def star_ring(rng, n, center=(0.0, 0.0), r_min=1.0, r_max=2.0, clockwise=False):
     return ring[::-1].copy() if clockwise else ring
 
 
+def seeded_polygons(rng, count=40):
+    """(exterior, holes) pairs: star-shaped exteriors of 8 to 60 vertices in either orientation,
+    every third with a star-shaped hole around its centre (inside by construction)."""
+    shapes = []
+    for k in range(count):
+        center = rng.uniform(-500, 500, 2)
+        scale = float(rng.uniform(1, 200))
+        exterior = star_ring(rng, int(rng.integers(8, 60)), center, scale, 2 * scale, clockwise=bool(k % 2))
+        holes = []
+        if k % 3 == 0:
+            holes.append(star_ring(rng, int(rng.integers(3, 20)), center, 0.2 * scale, 0.6 * scale))
+        shapes.append((exterior, holes))
+    return shapes
+
+
 def shoelace_exact(ring):
     """Twice the signed area of a ring, exactly (fractions of the double coordinates)."""
     from fractions import Fraction

@@ -8,24 +8,7 @@ import numpy as np
 import pytest
 
 import cntr
-from conftest import shoelace_exact, star_ring
-
-COUNT = 40
-
-
-def seeded_polygons(rng):
-    """(exterior, holes) pairs: star-shaped exteriors of 8 to 60 vertices in either orientation,
-    every third with a star-shaped hole around its centre (inside by construction)."""
-    shapes = []
-    for k in range(COUNT):
-        center = rng.uniform(-500, 500, 2)
-        scale = float(rng.uniform(1, 200))
-        exterior = star_ring(rng, int(rng.integers(8, 60)), center, scale, 2 * scale, clockwise=bool(k % 2))
-        holes = []
-        if k % 3 == 0:
-            holes.append(star_ring(rng, int(rng.integers(3, 20)), center, 0.2 * scale, 0.6 * scale))
-        shapes.append((exterior, holes))
-    return shapes
+from conftest import seeded_polygons, shoelace_exact
 
 
 def test_area_against_exact_arithmetic(rng):
