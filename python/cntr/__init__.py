@@ -1,7 +1,7 @@
 """Planar contour and region geometry for machine vision.
 
 The value types ``Polygon`` and ``MultiPolygon`` (immutable, thread-safe, with exact validity
-checks), the described classes ``Contour``, ``Region`` and ``RegionSet`` (measures, queries,
+checks and a prepared point locator), the described classes ``Contour``, ``Region`` and ``RegionSet`` (measures, queries,
 repair, transforms, archives), the exception hierarchy rooted at ``Error``, and ``cntr.batch``
 for measuring many rings at once over ragged arrays.
 
@@ -30,6 +30,7 @@ from ._cntr import (
     Error,
     FitError,
     IntersectionMode,
+    Location,
     MathError,
     MultiPolygon,
     NotFiniteError,
@@ -80,6 +81,7 @@ __all__ = [
     "Error",
     "FitError",
     "IntersectionMode",
+    "Location",
     "MathError",
     "MultiPolygon",
     "NotFiniteError",

@@ -19,6 +19,8 @@ ArrayLike = npt.ArrayLike
 Point = Tuple[float, float]
 Bounds = Tuple[float, float, float, float]
 FloatArray = npt.NDArray[np.float64]
+LocationArray = npt.NDArray[np.int8]
+BoolArray = npt.NDArray[np.bool_]
 
 # ---- exceptions ----
 
@@ -137,6 +139,16 @@ class ValidityProblem(enum.IntEnum):
     holes_nested: int
     members_overlap: int
 
+class Location(enum.IntEnum):
+    """Where a point lies relative to a Polygon or MultiPolygon (the codes of locate)."""
+
+    outside: int
+    """Outside the filled area: 0."""
+    boundary: int
+    """On an edge of a ring, or within the boundary distance of one: 1."""
+    inside: int
+    """Inside the filled area: 2."""
+
 # ---- geometry values ----
 
 class Circle:
@@ -244,6 +256,13 @@ class Polygon:
     def from_contour(contour: Contour) -> Polygon: ...
     def to_region(self) -> Tuple[Region, List[RefusedHole]]:
         """The Region, and the holes it refused."""
+    def locate(self, points: ArrayLike, boundary_distance: float = 0.0) -> LocationArray:
+        """An (N,) int8 array of Location codes: boundary exactly on an edge (or within
+        `boundary_distance` of one), else inside or outside by the even-odd rule. The points are
+        located without the GIL."""
+    def contains(self, points: ArrayLike) -> BoolArray:
+        """An (N,) bool array, True strictly inside: boundary points are not contained (as in
+        Shapely's contains)."""
 
 class MultiPolygon:
     """An immutable list of Polygon values; area and length are sums, the centroid is
@@ -275,6 +294,10 @@ class MultiPolygon:
     @staticmethod
     def from_region_set(region_set: RegionSet) -> MultiPolygon: ...
     def to_region_set(self) -> Tuple[RegionSet, List[RefusedHole]]: ...
+    def locate(self, points: ArrayLike, boundary_distance: float = 0.0) -> LocationArray:
+        """As Polygon.locate, over every ring of every member together."""
+    def contains(self, points: ArrayLike) -> BoolArray:
+        """As Polygon.contains: True strictly inside a member."""
 
 # ---- the described classes ----
 

@@ -2,6 +2,7 @@
 // their validity report.
 #include "bindings.h"
 
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -77,6 +78,81 @@ xcRect boundsOf(const cntr::Polygon& p) {
 }
 xcRect boundsOf(const cntr::MultiPolygon& mp) {
     return multiPolygonBounds(mp);
+}
+
+// ---- point location ----
+
+// The location of each of `points` as `Out` (convert maps a cntr::Location to it), a 1-d array
+// with one entry per point. The points are converted with the GIL held; the locator (built once,
+// immutable, safe for any number of threads) is asked without it.
+template <class Out, class Value, class Convert>
+py::array_t<Out> locatePoints(const Value& value, py::handle points, double boundaryDistance,
+                              Convert convert) {
+    const std::vector<xcVector<2>> xy = toPoints(points);
+    std::vector<cntr::Location> found;
+    {
+        py::gil_scoped_release release;
+        found = value.locate(xy, boundaryDistance);
+    }
+    py::array_t<Out> a(static_cast<py::ssize_t>(found.size()));
+    Out* out = a.mutable_data();
+    for (std::size_t i = 0; i < found.size(); ++i)
+        out[i] = convert(found[i]);
+    return a;
+}
+
+const char* const kLocateDoc =
+    "Where each of `points` (an (N, 2) array-like, or OpenCV's (N, 1, 2)) lies: an (N,) int8 "
+    "array of cntr.Location values, 0 outside, 1 boundary, 2 inside. Boundary means on an edge "
+    "of a ring, decided exactly, or within `boundary_distance` of one when that is positive (a "
+    "floating-point distance); else inside when it lies inside an odd number of rings (for a "
+    "valid shape: inside an exterior and outside its holes); else outside. The first call prepares a locator of the "
+    "edges, kept with the value and shared by its copies; the points are located without the "
+    "GIL. BadParamsError for a NaN or infinite coordinate or a boundary_distance that is "
+    "negative or not finite (nothing is located then).";
+
+const char* const kContainsDoc =
+    "Whether each of `points` (an (N, 2) array-like, or OpenCV's (N, 1, 2)) lies strictly "
+    "inside: an (N,) bool array, locate(points) == Location.inside. A point on the boundary is "
+    "not contained, as in Shapely's contains. BadParamsError for a NaN or infinite "
+    "coordinate.";
+
+// locate and contains, the same for Polygon and MultiPolygon.
+template <class Value>
+void bindLocate(py::class_<Value>& cls) {
+    cls.def(
+           "locate",
+           [](const Value& v, py::handle points, double boundaryDistance) {
+               return locatePoints<std::int8_t>(v, points, boundaryDistance,
+                                                [](cntr::Location l) {
+                                                    return static_cast<std::int8_t>(l);
+                                                });
+           },
+           py::arg("points"), py::arg("boundary_distance") = 0.0, kLocateDoc)
+        .def(
+            "contains",
+            [](const Value& v, py::handle points) {
+                return locatePoints<bool>(v, points, 0.0, [](cntr::Location l) {
+                    return l == cntr::Location::inside;
+                });
+            },
+            py::arg("points"), kContainsDoc);
+}
+
+// cntr.Location: a Python IntEnum, so that the int8 arrays of locate compare with its members
+// as they are (locate(p) == Location.inside) and Location(code) names a code.
+void bindLocation(py::module_& m) {
+    py::list members;
+    members.append(py::make_tuple("outside", static_cast<int>(cntr::Location::outside)));
+    members.append(py::make_tuple("boundary", static_cast<int>(cntr::Location::boundary)));
+    members.append(py::make_tuple("inside", static_cast<int>(cntr::Location::inside)));
+    py::object location =
+        py::module_::import("enum").attr("IntEnum")("Location", members, py::arg("module") = "cntr");
+    location.attr("__doc__") =
+        "Where a point lies relative to a Polygon or MultiPolygon (the codes of locate): "
+        "outside (0); boundary (1), on an edge of a ring or within the boundary distance of one; "
+        "inside (2), inside the filled area.";
+    m.attr("Location") = location;
 }
 
 // The members shared by Polygon and MultiPolygon: validity, bounds, vertex count and equality.
@@ -295,6 +371,7 @@ void bindPolygon(py::module_& m) {
                                      toRings(state[1].cast<py::iterable>()));
             }));
     bindValidityAndExtent(polygon);
+    bindLocate(polygon);
 }
 
 void bindMultiPolygon(py::module_& m) {
@@ -365,6 +442,7 @@ void bindMultiPolygon(py::module_& m) {
                 return cntr::MultiPolygon(toPolygons(state[0].cast<py::iterable>()));
             }));
     bindValidityAndExtent(multi);
+    bindLocate(multi);
 }
 
 }  // namespace
@@ -372,6 +450,7 @@ void bindMultiPolygon(py::module_& m) {
 void bindValues(py::module_& m) {
     bindCircleAndEllipse(m);
     bindValidity(m);
+    bindLocation(m);
     bindPolygon(m);
     bindMultiPolygon(m);
 }
