@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include <cntr/area_moments.h>
 #include <cntr/export.h>
 #include <cntr/region.h>
 #include <cntr/regionst.h>
@@ -161,6 +162,14 @@ class CNTR_API Polygon {
     /// The prepared locator that locate uses (built on the first call, as there).
     const core::PointLocator& locator() const;
 
+    /// The moments of the area up to order 3 (see AreaMoments): those of the exterior minus
+    /// those of the holes, each ring taken with the sign that makes its own area positive, so
+    /// the rings' orientations do not matter. Every ring is integrated about the centre of
+    /// bounds(), which keeps the digits of small shapes far from the origin. Linear in the
+    /// vertices; computed on every call (nothing is cached). Never throws; moments beyond the
+    /// range of a double are infinite.
+    AreaMoments moments() const;
+
     /// Whether the rings are equal vertex for vertex (exact comparison).
     bool operator==(const Polygon& other) const;
     bool operator!=(const Polygon& other) const { return !(*this == other); }
@@ -213,6 +222,10 @@ class CNTR_API MultiPolygon {
                                  double boundaryDistance = 0.0) const;
     /// The prepared locator that locate uses (built on the first call, as there).
     const core::PointLocator& locator() const;
+
+    /// The sum of the members' moments (see Polygon::moments), every ring integrated about the
+    /// centre of bounds(); for a valid multipolygon, the moments of the area it fills.
+    AreaMoments moments() const;
 
     bool operator==(const MultiPolygon& other) const;
     bool operator!=(const MultiPolygon& other) const { return !(*this == other); }

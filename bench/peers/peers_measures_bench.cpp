@@ -1,11 +1,12 @@
 // Measures of one outline, ours against the peers' nearest equivalents: area, centroid and
-// inertia (OpenCV moments and contourArea, Boost.Geometry area and centroid), length (OpenCV
-// arcLength), convex hull (OpenCV convexHull), ellipse fit (OpenCV fitEllipseDirect) and
-// enclosing circle (OpenCV minEnclosingCircle).
+// inertia (OpenCV moments and contourArea, Boost.Geometry area and centroid), the polygon's true
+// moments (OpenCV moments), length (OpenCV arcLength), convex hull (OpenCV convexHull), ellipse
+// fit (OpenCV fitEllipseDirect) and enclosing circle (OpenCV minEnclosingCircle).
 //
 // Our contour queries are timed on their first call: each iteration first drops the contour's
 // caches (isClosed(true), which keeps the vertices), so nothing computed earlier is reused. The
 // moment functions cache nothing.
+#include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -14,6 +15,7 @@
 
 #include <cntr/contour.h>
 #include <cntr/moments.h>
+#include <cntr/polygon.h>
 #include <cntr/region.h>
 
 #include "peers_adapters.h"
@@ -120,6 +122,38 @@ void registerMoments() {
         if (!agree(state, "mu20", ours.element(0, 0), m.mu20, t, scale) ||
             !agree(state, "mu11", ours.element(0, 1), m.mu11, t, scale) ||
             !agree(state, "mu02", ours.element(1, 1), m.mu02, t, scale))
+            return;
+        markChecked(state, true);
+        for (auto _ : state)
+            benchmark::DoNotOptimize(cv::moments(p));
+    });
+}
+
+// The true moments of the polygon type against OpenCV's moments of the same outline, both
+// orientation-free and of the same names: the central moments up to order 3 and the first Hu
+// invariant must agree to single precision.
+void registerAreaMoments() {
+    addStars("trueMoments", "ours", [](benchmark::State& state, const Input& in) {
+        const cntr::Polygon polygon(in.points);
+        for (auto _ : state)
+            benchmark::DoNotOptimize(polygon.moments());
+    });
+    addStars("trueMoments", "opencv_moments", [](benchmark::State& state, const Input& in) {
+        const std::vector<cv::Point2f> p = toCv(in.points);
+        const cntr::AreaMoments ours = cntr::Polygon(in.points).moments();
+        const cv::Moments m = cv::moments(p);
+        const double second = std::max(std::fabs(m.mu20), std::fabs(m.mu02));
+        const double third = second * std::sqrt(second / std::fabs(m.m00));
+        const double t = kSinglePrecisionMomentAgreement;
+        if (!agree(state, "m00", ours.m00, absArea(m), kSinglePrecisionAgreement) ||
+            !agree(state, "mu20", ours.mu20, m.mu20, t, second) ||
+            !agree(state, "mu11", ours.mu11, m.mu11, t, second) ||
+            !agree(state, "mu02", ours.mu02, m.mu02, t, second) ||
+            !agree(state, "mu30", ours.mu30, m.mu30, t, third) ||
+            !agree(state, "mu21", ours.mu21, m.mu21, t, third) ||
+            !agree(state, "mu12", ours.mu12, m.mu12, t, third) ||
+            !agree(state, "mu03", ours.mu03, m.mu03, t, third) ||
+            !agree(state, "hu1", ours.hu[0], m.nu20 + m.nu02, t))
             return;
         markChecked(state, true);
         for (auto _ : state)
@@ -239,7 +273,7 @@ void registerCircle() {
     });
 }
 
-const bool registered = (registerMoments(), registerLength(), registerHull(), registerEllipse(),
+const bool registered = (registerMoments(), registerAreaMoments(), registerLength(), registerHull(), registerEllipse(),
                          registerCircle(), true);
 
 }  // namespace
