@@ -6,7 +6,7 @@ they are. Angles are in radians, counter-clockwise with the y axis up. Affine tr
 """
 
 import enum
-from typing import Iterable, Iterator, List, Optional, Sequence, Tuple, Union
+from typing import Dict, Iterable, Iterator, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 import numpy.typing as npt
@@ -263,6 +263,9 @@ class Polygon:
     def contains(self, points: ArrayLike) -> BoolArray:
         """An (N,) bool array, True strictly inside: boundary points are not contained (as in
         Shapely's contains)."""
+    def moments(self) -> Dict[str, Union[float, Tuple[float, ...]]]:
+        """The true moments of the filled area, with cv2.moments' keys (m00 ... nu03) and 'hu',
+        the seven Hu invariants; the same for either ring orientation, holes subtracted."""
 
 class MultiPolygon:
     """An immutable list of Polygon values; area and length are sums, the centroid is
@@ -298,6 +301,8 @@ class MultiPolygon:
         """As Polygon.locate, over every ring of every member together."""
     def contains(self, points: ArrayLike) -> BoolArray:
         """As Polygon.contains: True strictly inside a member."""
+    def moments(self) -> Dict[str, Union[float, Tuple[float, ...]]]:
+        """The sum of the members' moments (see Polygon.moments)."""
 
 # ---- the described classes ----
 

@@ -117,6 +117,37 @@ const char* const kContainsDoc =
     "not contained, as in Shapely's contains. BadParamsError for a NaN or infinite "
     "coordinate.";
 
+constexpr const char* kMomentsDoc =
+    "The moments of the filled area up to order 3, a dict with the keys of OpenCV's "
+    "cv2.moments (m00 ... m03 raw, mu20 ... mu03 central, nu20 ... nu03 normalised) and 'hu', "
+    "the seven Hu invariants as a tuple. They are the true integrals over the area, the same "
+    "for either orientation of the rings (as cv2.moments of the outline as a contour): holes "
+    "subtracted, members added; coordinates as given, no axis flipped. Each ring is integrated "
+    "about the centre of the bounds, so small shapes far from the origin keep their digits. "
+    "With an area of 0 the central moments are the raw ones and the normalised moments and "
+    "invariants 0, as in OpenCV.";
+
+py::dict momentsDict(const cntr::AreaMoments& m) {
+    py::dict d;
+    const std::pair<const char*, double> values[] = {
+        {"m00", m.m00},   {"m10", m.m10},   {"m01", m.m01},   {"m20", m.m20},   {"m11", m.m11},
+        {"m02", m.m02},   {"m30", m.m30},   {"m21", m.m21},   {"m12", m.m12},   {"m03", m.m03},
+        {"mu20", m.mu20}, {"mu11", m.mu11}, {"mu02", m.mu02}, {"mu30", m.mu30}, {"mu21", m.mu21},
+        {"mu12", m.mu12}, {"mu03", m.mu03}, {"nu20", m.nu20}, {"nu11", m.nu11}, {"nu02", m.nu02},
+        {"nu30", m.nu30}, {"nu21", m.nu21}, {"nu12", m.nu12}, {"nu03", m.nu03}};
+    for (const auto& [key, value] : values)
+        d[key] = value;
+    d["hu"] = py::make_tuple(m.hu[0], m.hu[1], m.hu[2], m.hu[3], m.hu[4], m.hu[5], m.hu[6]);
+    return d;
+}
+
+// moments, the same for Polygon and MultiPolygon.
+template <class Value>
+void bindMoments(py::class_<Value>& cls) {
+    cls.def(
+        "moments", [](const Value& v) { return momentsDict(v.moments()); }, kMomentsDoc);
+}
+
 // locate and contains, the same for Polygon and MultiPolygon.
 template <class Value>
 void bindLocate(py::class_<Value>& cls) {
@@ -372,6 +403,7 @@ void bindPolygon(py::module_& m) {
             }));
     bindValidityAndExtent(polygon);
     bindLocate(polygon);
+    bindMoments(polygon);
 }
 
 void bindMultiPolygon(py::module_& m) {
@@ -443,6 +475,7 @@ void bindMultiPolygon(py::module_& m) {
             }));
     bindValidityAndExtent(multi);
     bindLocate(multi);
+    bindMoments(multi);
 }
 
 }  // namespace
