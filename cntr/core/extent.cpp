@@ -1,6 +1,8 @@
 // Extent measures of an outline.
 #include <cntr/core/extent.h>
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include <cntr/tolerances.h>
@@ -82,6 +84,21 @@ xcRect enclosingRect(const OutlineView& outline, const xcXform<2>& xform) {
     for (std::size_t i = 1; i < outline.size(); ++i)
         box = box.enclose(xcRect::at(mapped(outline[i])));
     return box;
+}
+
+std::optional<double> largestFiniteCoordinate(const std::vector<xcVector<2>>& points) {
+    // x - x is 0 for every finite x and NaN otherwise; x and y keep running values of their own.
+    double foundX = 0.0, foundY = 0.0;
+    double checkX = 0.0, checkY = 0.0;
+    for (const xcVector<2>& p : points) {
+        foundX = std::max(foundX, std::fabs(p.x()));
+        foundY = std::max(foundY, std::fabs(p.y()));
+        checkX += p.x() - p.x();
+        checkY += p.y() - p.y();
+    }
+    if (!(checkX + checkY == 0.0))
+        return std::nullopt;
+    return std::max(foundX, foundY);
 }
 
 }  // namespace cntr::core

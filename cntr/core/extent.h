@@ -1,7 +1,11 @@
-// Extent measures of an outline: the centre of its polyline, its extremal vertex in a direction
-// and its enclosing rectangle in a transformed frame (internal header, not installed).
+// Extent measures of an outline: the centre of its polyline, its extremal vertex in a direction,
+// its enclosing rectangle in a transformed frame and its largest coordinate (internal header, not
+// installed).
 #ifndef CNTR_CORE_EXTENT_H
 #define CNTR_CORE_EXTENT_H
+
+#include <optional>
+#include <vector>
 
 #include <cntr/core/outline.h>
 #include <cntr/export.h>
@@ -24,6 +28,10 @@ CNTR_API long extremalVertex(const OutlineView& outline, const xcRadian& angle);
 /// `xform` is the identity within kExactTolerance): vertex 0's zero-size rectangle enclosing
 /// each further vertex in turn. The outline must have a vertex.
 CNTR_API xcRect enclosingRect(const OutlineView& outline, const xcXform<2>& xform);
+
+/// The largest absolute coordinate of `points` (0 without points); empty when a coordinate is
+/// not finite.
+CNTR_API std::optional<double> largestFiniteCoordinate(const std::vector<xcVector<2>>& points);
 
 }  // namespace cntr::core
 

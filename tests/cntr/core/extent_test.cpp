@@ -54,6 +54,20 @@ TEST(CoreExtent, EnclosingRectInATransformedFrame) {
               xcRect(xcVector<2>(1, -3), xcVector<2>(4, 3)));
 }
 
+TEST(CoreExtent, LargestFiniteCoordinateIsTheLargestMagnitude) {
+    EXPECT_EQ(cntr::core::largestFiniteCoordinate(Points{{1, -7}, {3, 2}, {-5, 4}}), 7.0);
+    EXPECT_EQ(cntr::core::largestFiniteCoordinate(Points{{-9, 0}, {3, 8.5}}), 9.0);
+    EXPECT_EQ(cntr::core::largestFiniteCoordinate(Points{}), 0.0);
+}
+
+TEST(CoreExtent, LargestFiniteCoordinateRefusesNaNAndInfinity) {
+    const double nan = std::nan("");
+    const double inf = HUGE_VAL;
+    for (const Points& p : {Points{{1, 2}, {nan, 0}}, Points{{1, 2}, {0, nan}},
+                            Points{{inf, 2}}, Points{{0, -inf}, {1, 1}}})
+        EXPECT_FALSE(cntr::core::largestFiniteCoordinate(p).has_value());
+}
+
 TEST(CoreSplice, OutlinesJoinedAtTheirCrossing) {
     // Stored segments of two closed squares, edge 0 the closing edge: [0,2]^2 and [1,3]^2.
     // They cross at (2, 1): edge 2 ((2,0)-(2,2)) of the first, edge 1 ((1,1)-(3,1)) of the
