@@ -7,15 +7,18 @@ std::shared_ptr<const EdgeIndex> EdgeIndex::build(const OutlineView& outline) {
     const std::size_t edges = outline.edgeCount();
     if (edges < kMinEdges)
         return nullptr;
-    double scale = 1.0;
+    // Running maxima of their own for x and y, in registers (the maximum of an initializer list
+    // kept its value in memory, a store and a load per vertex).
+    double scaleX = 1.0, scaleY = 1.0;
     for (const xcVector<2>& p : outline.points()) {
         if (!accepts(p))
             return nullptr;
-        scale = std::max({scale, std::fabs(p.x()), std::fabs(p.y())});
+        scaleX = std::max(scaleX, std::fabs(p.x()));
+        scaleY = std::max(scaleY, std::fabs(p.y()));
     }
     std::shared_ptr<EdgeIndex> index(new EdgeIndex);
     index->edges_ = edges;
-    index->scale_ = scale;
+    index->scale_ = std::max(scaleX, scaleY);
     index->buildBoxes(outline);
     index->buildTurned(outline);
     return index;
