@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include <cntr/core/clearance_sweep.h>
 #include <cntr/core/extent.h>
 #include <cntr/core/reference.h>
 #include <cntr/tolerances.h>
@@ -138,6 +139,11 @@ struct EdgeSpan {
 // Edges per block of a chain: the walk of two chains skips pairs of blocks whose boxes do not
 // meet.
 constexpr std::size_t kChainBlock = 16;
+
+// The chain walk's budget before the clearance sweep takes over: this many chain pairs and edge
+// pairs per edge, and at least the floor (small outlines are always walked).
+constexpr std::size_t kWalkWorkPerEdge = 16;
+constexpr std::size_t kWalkWorkFloor = 4096;
 
 // A run of `count` consecutive edges from edge `first` along which x strictly increases
 // (direction 1) or strictly decreases (-1); a vertical edge is a chain of its own (0). Its
@@ -500,7 +506,21 @@ void orderAlong(std::vector<SegmentHit>& hits, const xcLineSeg& seg) {
 // chains whose rectangles overlap are walked together in x, block by block, the edges of two
 // blocks only where the blocks' rectangles overlap. The edges are formed from the vertices as
 // fillEdgeTable forms them.
+//
+// That walk tests every pair of chains whose x-ranges overlap, which on outlines whose chains
+// all span most of the x-range (spiky stars) is quadratic. So it runs within a budget of work
+// proportional to the edge count; once that is spent, the clearance sweep decides in
+// O(n log n): a pair that the queries report lies within kSegmentReach (its hit point within the
+// coincidence tolerance of both, with room for the rounding of the distances), so an outline
+// whose edges keep that far apart has no such pair; where the sweep finds edges closer, it
+// names them and they are tested. When those tests find nothing, or the sweep cannot decide,
+// the walk runs to its end.
 std::optional<bool> selfIntersectingSwept(const OutlineView& outline) {
+    const std::size_t edges = outline.edgeCount();
+    return selfIntersectingSwept(outline, kWalkWorkPerEdge * edges + kWalkWorkFloor);
+}
+
+std::optional<bool> selfIntersectingSwept(const OutlineView& outline, std::size_t walkBudget) {
     const std::vector<xcVector<2>>& points = outline.points();
     const std::size_t n = points.size();
     if (n < 2)
@@ -540,21 +560,48 @@ std::optional<bool> selfIntersectingSwept(const OutlineView& outline) {
         xcVector<2> p;
         return edgeHit(edge, edge.line(), query, query.line(), false, p);
     };
+    // The test of two non-degenerate edges: their rectangles overlap, they share no vertex and
+    // one's query reports the other.
     const auto pairHits = [&](const EdgeSpan& a, const EdgeSpan& b) {
-        if (!a.box.overlapsInY(b.box))
+        if (!a.box.overlaps(b.box))
             return false;
         const std::size_t d = a.edge > b.edge ? a.edge - b.edge : b.edge - a.edge;
         if (d == 1 || (closed && d == edges - 1))
             return false;
         return queryHits(a.edge, b.edge) || queryHits(b.edge, a.edge);
     };
-    for (std::size_t i = 0; i < chains.size(); ++i)
-        for (std::size_t j = i + 1; j < chains.size() && chains[j].box.minX <= chains[i].box.maxX;
-             ++j)
-            if (chains[i].box.overlaps(chains[j].box) &&
-                walkTogether(blocks, chains[i], chains[j], spanOf, pairHits))
+    // The chain walk; empty once more than `budget` chain pairs and edge pairs have been taken.
+    const auto walkChains = [&](std::size_t budget) -> std::optional<bool> {
+        std::size_t work = 0;
+        const auto counted = [&](const EdgeSpan& a, const EdgeSpan& b) {
+            return ++work > budget || pairHits(a, b);
+        };
+        for (std::size_t i = 0; i < chains.size(); ++i)
+            for (std::size_t j = i + 1;
+                 j < chains.size() && chains[j].box.minX <= chains[i].box.maxX; ++j) {
+                if (++work > budget)
+                    return std::nullopt;
+                if (chains[i].box.overlaps(chains[j].box) &&
+                    walkTogether(blocks, chains[i], chains[j], spanOf, counted))
+                    return work > budget ? std::nullopt : std::optional<bool>(true);
+            }
+        return false;
+    };
+    if (const std::optional<bool> walked = walkChains(walkBudget))
+        return walked;
+    if (prefilter) {
+        const Clearance clearance = edgeClearance(outline, kSegmentReach);
+        if (clearance.verdict == Clearance::Verdict::clear)
+            return false;
+        const auto degenerate = [&](std::size_t k) {
+            return xfRealEq(points[edgeStartVertex(k, n, closed)], points[edgeEndVertex(k, closed)],
+                            kExactTolerance);
+        };
+        for (const auto& [a, b] : clearance.pairs)
+            if (!degenerate(a) && !degenerate(b) && pairHits(spanOf(a), spanOf(b)))
                 return true;
-    return false;
+    }
+    return walkChains(std::numeric_limits<std::size_t>::max());
 }
 
 double medianEdgeLength(const EdgeTable& table) {
