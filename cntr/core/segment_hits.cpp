@@ -140,10 +140,10 @@ struct EdgeSpan {
 // meet.
 constexpr std::size_t kChainBlock = 16;
 
-// The chain walk's budget before the clearance sweep takes over: this many chain pairs and edge
-// pairs per edge, and at least the floor (small outlines are always walked).
+// The chain walk's budget before the clearance sweep takes over: this many units of work (see
+// selfIntersectingSwept) per edge, and at least the floor (small outlines are always walked).
 constexpr std::size_t kWalkWorkPerEdge = 16;
-constexpr std::size_t kWalkWorkFloor = 4096;
+constexpr std::size_t kWalkWorkFloor = 65536;
 
 // A run of `count` consecutive edges from edge `first` along which x strictly increases
 // (direction 1) or strictly decreases (-1); a vertical edge is a chain of its own (0). Its
@@ -414,6 +414,109 @@ class NearestHitSearch {
     double slack_;
 };
 
+// The walk of selfIntersectingSwept over an outline with finite coordinates: its chains sorted
+// by their smallest x, with their blocks, and the pair test. The edges are formed from the
+// vertices as fillEdgeTable forms them.
+class ChainWalk {
+  public:
+    ChainWalk(const OutlineView& outline, double largestCoordinate)
+        : points_(outline.points()),
+          n_(points_.size()),
+          closed_(outline.closed()),
+          edges_(outline.edgeCount()),
+          scale_(std::max(largestCoordinate, 1.0)),
+          prefilter_(scale_ <= kIndexCoordinateLimit) {
+        cutIntoChains(points_, closed_, chains_, blocks_);
+        std::sort(chains_.begin(), chains_.end(),
+                  [](const Chain& a, const Chain& b) { return a.box.minX < b.box.minX; });
+    }
+
+    // Whether the coordinates are within the index's limit, where the rounding margins hold.
+    bool withinIndexLimit() const { return prefilter_; }
+
+    // The walk: true at the first pair that hits, false when none does; empty once more than
+    // `budget` is spent. Each pair of chains costs one unit, and one more per block of either
+    // when they are walked together: at most that many pairs of blocks are taken, each with at
+    // most 2 kChainBlock pairs of edges.
+    std::optional<bool> run(std::size_t budget) const {
+        const auto pairHits = [this](const EdgeSpan& a, const EdgeSpan& b) {
+            return this->pairHits(a, b);
+        };
+        const auto spanOf = [this](std::size_t k) { return this->spanOf(k); };
+        std::size_t work = 0;
+        for (std::size_t i = 0; i < chains_.size(); ++i)
+            for (std::size_t j = i + 1;
+                 j < chains_.size() && chains_[j].box.minX <= chains_[i].box.maxX; ++j) {
+                if (++work > budget)
+                    return std::nullopt;
+                if (!chains_[i].box.overlaps(chains_[j].box))
+                    continue;
+                work += chains_[i].blockCount() + chains_[j].blockCount();
+                if (work > budget)
+                    return std::nullopt;
+                if (walkTogether(blocks_, chains_[i], chains_[j], spanOf, pairHits))
+                    return true;
+            }
+        return false;
+    }
+
+    // The test of two edges as the walk would make it, for any two edges: false when one is
+    // degenerate or their x-ranges do not overlap.
+    bool edgesHit(std::size_t a, std::size_t b) const {
+        const EdgeSpan sa = spanOf(a);
+        const EdgeSpan sb = spanOf(b);
+        return !degenerate(a) && !degenerate(b) && sa.box.overlapsInX(sb.box) && pairHits(sa, sb);
+    }
+
+  private:
+    const xcVector<2>& start(std::size_t k) const {
+        return points_[edgeStartVertex(k, n_, closed_)];
+    }
+    const xcVector<2>& end(std::size_t k) const { return points_[edgeEndVertex(k, closed_)]; }
+    bool degenerate(std::size_t k) const { return xfRealEq(start(k), end(k), kExactTolerance); }
+
+    EdgeSpan spanOf(std::size_t k) const {
+        const xcVector<2>& a = start(k);
+        const xcVector<2>& b = end(k);
+        return EdgeSpan{Box{std::min(a.x(), b.x()), std::min(a.y(), b.y()), std::max(a.x(), b.x()),
+                            std::max(a.y(), b.y())},
+                        k};
+    }
+
+    // Within the index's coordinate limit, an edge wholly beyond the query's line is passed over
+    // before the exact test, as in the indexed segment query. (The query's own check that its
+    // rectangle meets the contour's always passes here: both ends are vertices.)
+    bool queryHits(std::size_t q, std::size_t e) const {
+        const xcLineSeg query(start(q), end(q));
+        const xcLineSeg edge(start(e), end(e));
+        if (prefilter_ && !SegmentReach(query, Box::spanning(query.p1(), query.p2()), scale_)
+                               .mayReach(edge.p1(), edge.p2()))
+            return false;
+        xcVector<2> p;
+        return edgeHit(edge, edge.line(), query, query.line(), false, p);
+    }
+
+    // The test of two non-degenerate edges whose x-ranges overlap: their y-ranges overlap too,
+    // they share no vertex and one's query reports the other.
+    bool pairHits(const EdgeSpan& a, const EdgeSpan& b) const {
+        if (!a.box.overlapsInY(b.box))
+            return false;
+        const std::size_t d = a.edge > b.edge ? a.edge - b.edge : b.edge - a.edge;
+        if (d == 1 || (closed_ && d == edges_ - 1))
+            return false;
+        return queryHits(a.edge, b.edge) || queryHits(b.edge, a.edge);
+    }
+
+    const std::vector<xcVector<2>>& points_;
+    std::size_t n_;
+    bool closed_;
+    std::size_t edges_;
+    double scale_;
+    bool prefilter_;
+    std::vector<Chain> chains_;
+    std::vector<Box> blocks_;
+};
+
 }  // namespace
 
 void fillEdgeTable(const OutlineView& outline, EdgeTable& table) {
@@ -443,7 +546,9 @@ void fillEdgeTable(const OutlineView& outline, EdgeTable& table) {
     });
 }
 
-xcRect boundingRect(const OutlineView& outline) { return enclosingRect(outline, xcXform<2>::I); }
+xcRect boundingRect(const OutlineView& outline) {
+    return enclosingRect(outline, xcXform<2>::I);
+}
 
 void indexedHits(const OutlineView& outline, const EdgeIndex& index, const SegmentQuery& query,
                  std::vector<SegmentHit>& hits) {
@@ -521,87 +626,23 @@ std::optional<bool> selfIntersectingSwept(const OutlineView& outline) {
 }
 
 std::optional<bool> selfIntersectingSwept(const OutlineView& outline, std::size_t walkBudget) {
-    const std::vector<xcVector<2>>& points = outline.points();
-    const std::size_t n = points.size();
-    if (n < 2)
+    if (outline.size() < 2)
         return false;
-    const bool closed = outline.closed();
-    const std::size_t edges = closed ? n : n - 1;
-    const auto spanOf = [&](std::size_t k) {
-        const xcVector<2>& a = points[edgeStartVertex(k, n, closed)];
-        const xcVector<2>& b = points[edgeEndVertex(k, closed)];
-        return EdgeSpan{Box{std::min(a.x(), b.x()), std::min(a.y(), b.y()), std::max(a.x(), b.x()),
-                            std::max(a.y(), b.y())},
-                        k};
-    };
-    std::vector<Chain> chains;
-    std::vector<Box> blocks;
     double largestCoordinate = 0.0;
-    if (!largestFiniteCoordinate(points, largestCoordinate))
+    if (!largestFiniteCoordinate(outline.points(), largestCoordinate))
         return std::nullopt;
-    cutIntoChains(points, closed, chains, blocks);
-    std::sort(chains.begin(), chains.end(),
-              [](const Chain& a, const Chain& b) { return a.box.minX < b.box.minX; });
-
-    const auto segment = [&](std::size_t k) {
-        return xcLineSeg(points[edgeStartVertex(k, n, closed)], points[edgeEndVertex(k, closed)]);
-    };
-    // Within the index's coordinate limit, an edge wholly beyond the query's line is passed over
-    // before the exact test, as in the indexed segment query. (The query's own check that its
-    // rectangle meets the contour's always passes here: both ends are vertices.)
-    const double scale = std::max(largestCoordinate, 1.0);
-    const bool prefilter = scale <= kIndexCoordinateLimit;
-    const auto queryHits = [&](std::size_t q, std::size_t e) {
-        const xcLineSeg query = segment(q);
-        const xcLineSeg edge = segment(e);
-        if (prefilter && !SegmentReach(query, Box::spanning(query.p1(), query.p2()), scale)
-                              .mayReach(edge.p1(), edge.p2()))
-            return false;
-        xcVector<2> p;
-        return edgeHit(edge, edge.line(), query, query.line(), false, p);
-    };
-    // The test of two non-degenerate edges: their rectangles overlap, they share no vertex and
-    // one's query reports the other.
-    const auto pairHits = [&](const EdgeSpan& a, const EdgeSpan& b) {
-        if (!a.box.overlaps(b.box))
-            return false;
-        const std::size_t d = a.edge > b.edge ? a.edge - b.edge : b.edge - a.edge;
-        if (d == 1 || (closed && d == edges - 1))
-            return false;
-        return queryHits(a.edge, b.edge) || queryHits(b.edge, a.edge);
-    };
-    // The chain walk; empty once more than `budget` chain pairs and edge pairs have been taken.
-    const auto walkChains = [&](std::size_t budget) -> std::optional<bool> {
-        std::size_t work = 0;
-        const auto counted = [&](const EdgeSpan& a, const EdgeSpan& b) {
-            return ++work > budget || pairHits(a, b);
-        };
-        for (std::size_t i = 0; i < chains.size(); ++i)
-            for (std::size_t j = i + 1;
-                 j < chains.size() && chains[j].box.minX <= chains[i].box.maxX; ++j) {
-                if (++work > budget)
-                    return std::nullopt;
-                if (chains[i].box.overlaps(chains[j].box) &&
-                    walkTogether(blocks, chains[i], chains[j], spanOf, counted))
-                    return work > budget ? std::nullopt : std::optional<bool>(true);
-            }
-        return false;
-    };
-    if (const std::optional<bool> walked = walkChains(walkBudget))
+    const ChainWalk walk(outline, largestCoordinate);
+    if (const std::optional<bool> walked = walk.run(walkBudget))
         return walked;
-    if (prefilter) {
+    if (walk.withinIndexLimit()) {
         const Clearance clearance = edgeClearance(outline, kSegmentReach);
         if (clearance.verdict == Clearance::Verdict::clear)
             return false;
-        const auto degenerate = [&](std::size_t k) {
-            return xfRealEq(points[edgeStartVertex(k, n, closed)], points[edgeEndVertex(k, closed)],
-                            kExactTolerance);
-        };
         for (const auto& [a, b] : clearance.pairs)
-            if (!degenerate(a) && !degenerate(b) && pairHits(spanOf(a), spanOf(b)))
+            if (walk.edgesHit(a, b))
                 return true;
     }
-    return walkChains(std::numeric_limits<std::size_t>::max());
+    return walk.run(std::numeric_limits<std::size_t>::max());
 }
 
 double medianEdgeLength(const EdgeTable& table) {

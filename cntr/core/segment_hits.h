@@ -73,8 +73,9 @@ CNTR_API void orderAlong(std::vector<SegmentHit>& hits, const xcLineSeg& seg);
 /// vertices does not intersect itself.
 CNTR_API std::optional<bool> selfIntersectingSwept(const OutlineView& outline);
 
-/// selfIntersectingSwept with the walk's budget given: `walkBudget` chain pairs and edge pairs
-/// before the clearance sweep takes over (0: at once). The answer does not depend on it.
+/// selfIntersectingSwept with the walk's budget given: `walkBudget` units of work (a unit per
+/// pair of chains, and one per block of either when they are walked together) before the
+/// clearance sweep takes over (0: at once). The answer does not depend on it.
 CNTR_API std::optional<bool> selfIntersectingSwept(const OutlineView& outline,
                                                    std::size_t walkBudget);
 
