@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include <cntr/core/clearance_sweep.h>
 #include <cntr/core/extent.h>
 #include <cntr/core/reference.h>
 #include <cntr/tolerances.h>
@@ -138,6 +139,11 @@ struct EdgeSpan {
 // Edges per block of a chain: the walk of two chains skips pairs of blocks whose boxes do not
 // meet.
 constexpr std::size_t kChainBlock = 16;
+
+// The chain walk's budget before the clearance sweep takes over: this many units of work (see
+// selfIntersectingSwept) per edge, and at least the floor (small outlines are always walked).
+constexpr std::size_t kWalkWorkPerEdge = 16;
+constexpr std::size_t kWalkWorkFloor = 65536;
 
 // A run of `count` consecutive edges from edge `first` along which x strictly increases
 // (direction 1) or strictly decreases (-1); a vertical edge is a chain of its own (0). Its
@@ -395,6 +401,109 @@ class NearestHitSearch {
     double slack_;
 };
 
+// The walk of selfIntersectingSwept over an outline with finite coordinates: its chains sorted
+// by their smallest x, with their blocks, and the pair test. The edges are formed from the
+// vertices as fillEdgeTable forms them.
+class ChainWalk {
+  public:
+    ChainWalk(const OutlineView& outline, double largestCoordinate)
+        : points_(outline.points()),
+          n_(points_.size()),
+          closed_(outline.closed()),
+          edges_(outline.edgeCount()),
+          scale_(std::max(largestCoordinate, 1.0)),
+          prefilter_(scale_ <= kIndexCoordinateLimit) {
+        cutIntoChains(points_, closed_, chains_, blocks_);
+        std::sort(chains_.begin(), chains_.end(),
+                  [](const Chain& a, const Chain& b) { return a.box.minX < b.box.minX; });
+    }
+
+    // Whether the coordinates are within the index's limit, where the rounding margins hold.
+    bool withinIndexLimit() const { return prefilter_; }
+
+    // The walk: true at the first pair that hits, false when none does; empty once more than
+    // `budget` is spent. Each pair of chains costs one unit, and one more per block of either
+    // when they are walked together: at most that many pairs of blocks are taken, each with at
+    // most 2 kChainBlock pairs of edges.
+    std::optional<bool> run(std::size_t budget) const {
+        const auto pairHits = [this](const EdgeSpan& a, const EdgeSpan& b) {
+            return this->pairHits(a, b);
+        };
+        const auto spanOf = [this](std::size_t k) { return this->spanOf(k); };
+        std::size_t work = 0;
+        for (std::size_t i = 0; i < chains_.size(); ++i)
+            for (std::size_t j = i + 1;
+                 j < chains_.size() && chains_[j].box.minX <= chains_[i].box.maxX; ++j) {
+                if (++work > budget)
+                    return std::nullopt;
+                if (!chains_[i].box.overlaps(chains_[j].box))
+                    continue;
+                work += chains_[i].blockCount() + chains_[j].blockCount();
+                if (work > budget)
+                    return std::nullopt;
+                if (walkTogether(blocks_, chains_[i], chains_[j], spanOf, pairHits))
+                    return true;
+            }
+        return false;
+    }
+
+    // The test of two edges as the walk would make it, for any two edges: false when one is
+    // degenerate or their x-ranges do not overlap.
+    bool edgesHit(std::size_t a, std::size_t b) const {
+        const EdgeSpan sa = spanOf(a);
+        const EdgeSpan sb = spanOf(b);
+        return !degenerate(a) && !degenerate(b) && sa.box.overlapsInX(sb.box) && pairHits(sa, sb);
+    }
+
+  private:
+    const xcVector<2>& start(std::size_t k) const {
+        return points_[edgeStartVertex(k, n_, closed_)];
+    }
+    const xcVector<2>& end(std::size_t k) const { return points_[edgeEndVertex(k, closed_)]; }
+    bool degenerate(std::size_t k) const { return xfRealEq(start(k), end(k), kExactTolerance); }
+
+    EdgeSpan spanOf(std::size_t k) const {
+        const xcVector<2>& a = start(k);
+        const xcVector<2>& b = end(k);
+        return EdgeSpan{Box{std::min(a.x(), b.x()), std::min(a.y(), b.y()), std::max(a.x(), b.x()),
+                            std::max(a.y(), b.y())},
+                        k};
+    }
+
+    // Within the index's coordinate limit, an edge wholly beyond the query's line is passed over
+    // before the exact test, as in the indexed segment query. (The query's own check that its
+    // rectangle meets the contour's always passes here: both ends are vertices.)
+    bool queryHits(std::size_t q, std::size_t e) const {
+        const xcLineSeg query(start(q), end(q));
+        const xcLineSeg edge(start(e), end(e));
+        if (prefilter_ && !SegmentReach(query, Box::spanning(query.p1(), query.p2()), scale_)
+                               .mayReach(edge.p1(), edge.p2()))
+            return false;
+        xcVector<2> p;
+        return edgeHit(edge, edge.line(), query, query.line(), false, p);
+    }
+
+    // The test of two non-degenerate edges whose x-ranges overlap: their y-ranges overlap too,
+    // they share no vertex and one's query reports the other.
+    bool pairHits(const EdgeSpan& a, const EdgeSpan& b) const {
+        if (!a.box.overlapsInY(b.box))
+            return false;
+        const std::size_t d = a.edge > b.edge ? a.edge - b.edge : b.edge - a.edge;
+        if (d == 1 || (closed_ && d == edges_ - 1))
+            return false;
+        return queryHits(a.edge, b.edge) || queryHits(b.edge, a.edge);
+    }
+
+    const std::vector<xcVector<2>>& points_;
+    std::size_t n_;
+    bool closed_;
+    std::size_t edges_;
+    double scale_;
+    bool prefilter_;
+    std::vector<Chain> chains_;
+    std::vector<Box> blocks_;
+};
+
 }  // namespace
 
 void fillEdgeTable(const OutlineView& outline, EdgeTable& table) {
@@ -424,7 +533,9 @@ void fillEdgeTable(const OutlineView& outline, EdgeTable& table) {
     });
 }
 
-xcRect boundingRect(const OutlineView& outline) { return enclosingRect(outline, xcXform<2>::I); }
+xcRect boundingRect(const OutlineView& outline) {
+    return enclosingRect(outline, xcXform<2>::I);
+}
 
 void indexedHits(const OutlineView& outline, const EdgeIndex& index, const SegmentQuery& query,
                  std::vector<SegmentHit>& hits) {
@@ -487,63 +598,40 @@ void orderAlong(std::vector<SegmentHit>& hits, const xcLineSeg& seg) {
 // chains whose rectangles overlap are walked together in x, block by block, the edges of two
 // blocks only where the blocks' rectangles overlap. The edges are formed from the vertices as
 // fillEdgeTable forms them.
+//
+// That walk tests every pair of chains whose x-ranges overlap, which on outlines whose chains
+// all span most of the x-range (spiky stars) is quadratic. So it runs within a budget of work
+// proportional to the edge count; once that is spent, the clearance sweep decides in
+// O(n log n): a pair that the queries report lies within kSegmentReach (its hit point within the
+// coincidence tolerance of both, with room for the rounding of the distances), so an outline
+// whose edges keep that far apart has no such pair; where the sweep finds edges closer, it
+// names them and they are tested. When those tests find nothing, or the sweep cannot decide,
+// the walk runs to its end.
 std::optional<bool> selfIntersectingSwept(const OutlineView& outline) {
-    const std::vector<xcVector<2>>& points = outline.points();
-    const std::size_t n = points.size();
-    if (n < 2)
+    const std::size_t edges = outline.edgeCount();
+    return selfIntersectingSwept(outline, kWalkWorkPerEdge * edges + kWalkWorkFloor);
+}
+
+std::optional<bool> selfIntersectingSwept(const OutlineView& outline, std::size_t walkBudget) {
+    if (outline.size() < 2)
         return false;
-    const bool closed = outline.closed();
-    const std::size_t edges = closed ? n : n - 1;
-    const auto spanOf = [&](std::size_t k) {
-        const xcVector<2>& a = points[edgeStartVertex(k, n, closed)];
-        const xcVector<2>& b = points[edgeEndVertex(k, closed)];
-        return EdgeSpan{Box{std::min(a.x(), b.x()), std::min(a.y(), b.y()), std::max(a.x(), b.x()),
-                            std::max(a.y(), b.y())},
-                        k};
-    };
-    std::vector<Chain> chains;
-    std::vector<Box> blocks;
     // Measured in the extent module, out of line: inlined here, its running maximum was kept in
-    // memory, a store and a load per vertex that cost a third of the sweep on blobs.
-    const std::optional<double> largestCoordinate = largestFiniteCoordinate(points);
+    // memory, a store and a load per vertex that cost a third of the walk on blobs.
+    const std::optional<double> largestCoordinate = largestFiniteCoordinate(outline.points());
     if (!largestCoordinate)
         return std::nullopt;
-    cutIntoChains(points, closed, chains, blocks);
-    std::sort(chains.begin(), chains.end(),
-              [](const Chain& a, const Chain& b) { return a.box.minX < b.box.minX; });
-
-    const auto segment = [&](std::size_t k) {
-        return xcLineSeg(points[edgeStartVertex(k, n, closed)], points[edgeEndVertex(k, closed)]);
-    };
-    // Within the index's coordinate limit, an edge wholly beyond the query's line is passed over
-    // before the exact test, as in the indexed segment query. (The query's own check that its
-    // rectangle meets the contour's always passes here: both ends are vertices.)
-    const double scale = std::max(*largestCoordinate, 1.0);
-    const bool prefilter = scale <= kIndexCoordinateLimit;
-    const auto queryHits = [&](std::size_t q, std::size_t e) {
-        const xcLineSeg query = segment(q);
-        const xcLineSeg edge = segment(e);
-        if (prefilter && !SegmentReach(query, Box::spanning(query.p1(), query.p2()), scale)
-                              .mayReach(edge.p1(), edge.p2()))
+    const ChainWalk walk(outline, *largestCoordinate);
+    if (const std::optional<bool> walked = walk.run(walkBudget))
+        return walked;
+    if (walk.withinIndexLimit()) {
+        const Clearance clearance = edgeClearance(outline, kSegmentReach);
+        if (clearance.verdict == Clearance::Verdict::clear)
             return false;
-        xcVector<2> p;
-        return edgeHit(edge, edge.line(), query, query.line(), false, p);
-    };
-    const auto pairHits = [&](const EdgeSpan& a, const EdgeSpan& b) {
-        if (!a.box.overlapsInY(b.box))
-            return false;
-        const std::size_t d = a.edge > b.edge ? a.edge - b.edge : b.edge - a.edge;
-        if (d == 1 || (closed && d == edges - 1))
-            return false;
-        return queryHits(a.edge, b.edge) || queryHits(b.edge, a.edge);
-    };
-    for (std::size_t i = 0; i < chains.size(); ++i)
-        for (std::size_t j = i + 1; j < chains.size() && chains[j].box.minX <= chains[i].box.maxX;
-             ++j)
-            if (chains[i].box.overlaps(chains[j].box) &&
-                walkTogether(blocks, chains[i], chains[j], spanOf, pairHits))
+        for (const auto& [a, b] : clearance.pairs)
+            if (walk.edgesHit(a, b))
                 return true;
-    return false;
+    }
+    return walk.run(std::numeric_limits<std::size_t>::max());
 }
 
 double medianEdgeLength(const EdgeTable& table) {

@@ -4,6 +4,7 @@
 #ifndef CNTR_CORE_SEGMENT_HITS_H
 #define CNTR_CORE_SEGMENT_HITS_H
 
+#include <cstddef>
 #include <optional>
 #include <vector>
 
@@ -65,10 +66,18 @@ CNTR_API bool firstIndexedHit(const OutlineView& outline, const EdgeIndex& index
 CNTR_API void orderAlong(std::vector<SegmentHit>& hits, const xcLineSeg& seg);
 
 /// referenceSelfIntersecting (see reference.h) of the outline's edge table and bounding
-/// rectangle, decided by a sweep over the runs of edges along which x strictly rises or falls, with
-/// the same pairs tested as the queries would; empty when a coordinate is not finite (the caller
-/// then runs the queries). An outline of fewer than 2 vertices does not intersect itself.
+/// rectangle, decided by a walk over the runs of edges along which x strictly rises or falls, with
+/// the same pairs tested as the queries would, and past a budget of work proportional to the edge
+/// count by the clearance sweep (see clearance_sweep.h) and the pairs it names; empty when a
+/// coordinate is not finite (the caller then runs the queries). An outline of fewer than 2
+/// vertices does not intersect itself.
 CNTR_API std::optional<bool> selfIntersectingSwept(const OutlineView& outline);
+
+/// selfIntersectingSwept with the walk's budget given: `walkBudget` units of work (a unit per
+/// pair of chains, and one per block of either when they are walked together) before the
+/// clearance sweep takes over (0: at once). The answer does not depend on it.
+CNTR_API std::optional<bool> selfIntersectingSwept(const OutlineView& outline,
+                                                   std::size_t walkBudget);
 
 /// The median edge length of a table of at least one edge: the element at index count / 2 of
 /// the ascending segment lengths (the upper middle one for an even count), degenerate edges
