@@ -56,6 +56,7 @@ struct Lanes {
     double v() const { return _mm_cvtsd_f64(_mm_unpackhi_pd(value, value)); }
 };
 inline Lanes operator+(Lanes a, Lanes b) { return Lanes(_mm_add_pd(a.value, b.value)); }
+inline Lanes operator-(Lanes a, Lanes b) { return Lanes(_mm_sub_pd(a.value, b.value)); }
 inline Lanes operator*(Lanes a, Lanes b) { return Lanes(_mm_mul_pd(a.value, b.value)); }
 inline Lanes operator*(double s, Lanes a) { return Lanes(_mm_mul_pd(_mm_set1_pd(s), a.value)); }
 inline Lanes swapped(Lanes a) { return Lanes(_mm_shuffle_pd(a.value, a.value, 1)); }
@@ -67,6 +68,7 @@ struct Lanes {
     double v() const { return second; }
 };
 inline Lanes operator+(Lanes a, Lanes b) { return {a.first + b.first, a.second + b.second}; }
+inline Lanes operator-(Lanes a, Lanes b) { return {a.first - b.first, a.second - b.second}; }
 inline Lanes operator*(Lanes a, Lanes b) { return {a.first * b.first, a.second * b.second}; }
 inline Lanes operator*(double s, Lanes a) { return {s * a.first, s * a.second}; }
 inline Lanes swapped(Lanes a) { return {a.second, a.first}; }
@@ -80,7 +82,7 @@ RawMoments ringMoments(const std::vector<xcVector<2>>& ring, const xcVector<2>& 
     if (n < 3)
         return sums;
     const Lanes o(origin.x(), origin.y());
-    auto local = [&o](const xcVector<2>& p) { return Lanes(p.x(), p.y()) + -1.0 * o; };
+    auto local = [&o](const xcVector<2>& p) { return Lanes(p.x(), p.y()) - o; };
     Lanes p0 = local(ring[n - 1]);
     Lanes squares0 = p0 * p0;
     double m00 = 0.0, m11 = 0.0;

@@ -1,24 +1,23 @@
 // Building the edge index.
 #include <cntr/core/edge_index.h>
 
+#include <optional>
+
+#include <cntr/core/extent.h>
+
 namespace cntr::core {
 
 std::shared_ptr<const EdgeIndex> EdgeIndex::build(const OutlineView& outline) {
     const std::size_t edges = outline.edgeCount();
     if (edges < kMinEdges)
         return nullptr;
-    // Running maxima of their own for x and y, in registers (the maximum of an initializer list
-    // kept its value in memory, a store and a load per vertex).
-    double scaleX = 1.0, scaleY = 1.0;
-    for (const xcVector<2>& p : outline.points()) {
-        if (!accepts(p))
-            return nullptr;
-        scaleX = std::max(scaleX, std::fabs(p.x()));
-        scaleY = std::max(scaleY, std::fabs(p.y()));
-    }
+    // Every coordinate finite and within the limit (what accepts() asks of each point).
+    const std::optional<double> largest = largestFiniteCoordinate(outline.points());
+    if (!largest || *largest > kIndexCoordinateLimit)
+        return nullptr;
     std::shared_ptr<EdgeIndex> index(new EdgeIndex);
     index->edges_ = edges;
-    index->scale_ = std::max(scaleX, scaleY);
+    index->scale_ = std::max(*largest, 1.0);
     index->buildBoxes(outline);
     index->buildTurned(outline);
     return index;

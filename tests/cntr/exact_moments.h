@@ -23,11 +23,6 @@ struct ExactMoments {
             m[i] += other.m[i];
         return *this;
     }
-    ExactMoments& operator-=(const ExactMoments& other) {
-        for (std::size_t i = 0; i < m.size(); ++i)
-            m[i] -= other.m[i];
-        return *this;
-    }
 };
 
 namespace exact_moments_detail {
@@ -82,55 +77,60 @@ inline std::array<mpq_class, 3> exactTriangleFirstMoments(const xcVector<2>& a,
     return {area, area * (pa.x + pb.x + pc.x) / 3, area * (pa.y + pb.y + pc.y) / 3};
 }
 
-/// The signed integrals over a ring (read as closed), each point weighted by the winding number:
-/// the sum over the fan of triangles (ring[0], ring[k], ring[k + 1]).
-inline ExactMoments exactRingMoments(const std::vector<xcVector<2>>& ring) {
-    ExactMoments sums;
-    for (std::size_t k = 1; k + 1 < ring.size(); ++k)
-        sums += exactTriangleMoments(ring[0], ring[k], ring[k + 1]);
-    return sums;
-}
-
-/// exactRingMoments with the sign that makes the ring's area not negative.
-inline ExactMoments exactUnsignedRingMoments(const std::vector<xcVector<2>>& ring) {
-    ExactMoments sums = exactRingMoments(ring);
-    if (sums.m[0] < 0) {
-        for (mpq_class& value : sums.m)
-            value = -value;
+/// The sums of `triangle` (a function of three vertices returning N rationals, the area first)
+/// over the fan of triangles (ring[0], ring[k], ring[k + 1]) of a ring read as closed: its
+/// signed integrals, each point weighted by the winding number.
+template <std::size_t N, class Triangle>
+std::array<mpq_class, N> exactFanSums(const std::vector<xcVector<2>>& ring, Triangle triangle) {
+    std::array<mpq_class, N> sums;
+    for (std::size_t k = 1; k + 1 < ring.size(); ++k) {
+        const std::array<mpq_class, N> t = triangle(ring[0], ring[k], ring[k + 1]);
+        for (std::size_t i = 0; i < N; ++i)
+            sums[i] += t[i];
     }
     return sums;
 }
 
-/// The exterior's moments minus the holes'.
-inline ExactMoments exactPolygonMoments(const std::vector<xcVector<2>>& exterior,
-                                        const std::vector<std::vector<xcVector<2>>>& holes) {
-    ExactMoments sums = exactUnsignedRingMoments(exterior);
-    for (const auto& hole : holes)
-        sums -= exactUnsignedRingMoments(hole);
-    return sums;
-}
-
-/// m00, m10 and m01 of the exterior minus the holes (each ring's sign made positive), over the
-/// fans as exactRingMoments.
-inline std::array<mpq_class, 3> exactPolygonFirstMoments(
-    const std::vector<xcVector<2>>& exterior, const std::vector<std::vector<xcVector<2>>>& holes) {
-    std::array<mpq_class, 3> total;
-    auto add = [&total](const std::vector<xcVector<2>>& ring, int sign) {
-        std::array<mpq_class, 3> sums;
-        for (std::size_t k = 1; k + 1 < ring.size(); ++k) {
-            const auto t = exactTriangleFirstMoments(ring[0], ring[k], ring[k + 1]);
-            for (std::size_t i = 0; i < 3; ++i)
-                sums[i] += t[i];
-        }
+/// The exterior's fan sums minus the holes', each ring's taken with the sign that makes its
+/// area (the first sum) not negative.
+template <std::size_t N, class Triangle>
+std::array<mpq_class, N> exactPolygonSums(const std::vector<xcVector<2>>& exterior,
+                                          const std::vector<std::vector<xcVector<2>>>& holes,
+                                          Triangle triangle) {
+    std::array<mpq_class, N> total;
+    auto add = [&](const std::vector<xcVector<2>>& ring, int sign) {
+        const std::array<mpq_class, N> sums = exactFanSums<N>(ring, triangle);
         if (sums[0] < 0)
             sign = -sign;
-        for (std::size_t i = 0; i < 3; ++i)
+        for (std::size_t i = 0; i < N; ++i)
             total[i] += sign * sums[i];
     };
     add(exterior, 1);
     for (const auto& hole : holes)
         add(hole, -1);
     return total;
+}
+
+/// The signed integrals over a ring (read as closed), each point weighted by the winding number.
+inline ExactMoments exactRingMoments(const std::vector<xcVector<2>>& ring) {
+    return {exactFanSums<10>(ring, [](const auto& a, const auto& b, const auto& c) {
+        return exactTriangleMoments(a, b, c).m;
+    })};
+}
+
+/// The exterior's moments minus the holes', each ring's with the sign that makes its area not
+/// negative.
+inline ExactMoments exactPolygonMoments(const std::vector<xcVector<2>>& exterior,
+                                        const std::vector<std::vector<xcVector<2>>>& holes) {
+    return {exactPolygonSums<10>(exterior, holes, [](const auto& a, const auto& b, const auto& c) {
+        return exactTriangleMoments(a, b, c).m;
+    })};
+}
+
+/// m00, m10 and m01 of the exterior minus the holes, as exactPolygonMoments.
+inline std::array<mpq_class, 3> exactPolygonFirstMoments(
+    const std::vector<xcVector<2>>& exterior, const std::vector<std::vector<xcVector<2>>>& holes) {
+    return exactPolygonSums<3>(exterior, holes, exactTriangleFirstMoments);
 }
 
 /// The central moments mu20, mu11, mu02, mu30, mu21, mu12, mu03 of raw moments with m00 != 0:
